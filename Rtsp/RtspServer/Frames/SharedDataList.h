@@ -30,7 +30,8 @@ public:
 
     /// Appends a frame and drops what is too much or too old. A video list drops whole groups: everything up to the
     /// next key frame.
-    /// @param data  a reference of the list's own is added; the caller keeps its own
+    /// @param data  a reference of the list's own is added; a refused or dropped frame that nobody else holds is
+    /// deleted
     /// @return 0; -1 when the list waits for a key frame afterwards, so that the frame is not in it
     int AddDataToList(CSharedData* data);
 

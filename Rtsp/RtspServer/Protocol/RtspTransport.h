@@ -80,3 +80,6 @@ private:
 /// Reads "first-second" at the start of a text.
 /// @return false unless a digit, digits, "-" and a digit stand there; numbers above 2147483647 count as that
 bool RtspParsePair(const char* text, unsigned int& first, unsigned int& second);
+
+/// A decimal number as atoi reads it; what does not fit counts as the nearest that does.
+int RtspParseInt(const char* text);

@@ -14,11 +14,12 @@
 class CRTSP_RTPPackUp
 {
 public:
-    static constexpr int PACKET_LIMIT = 1472; ///< bytes of a packet with all its headers
-    static constexpr int MAX_UNITS = 512;     ///< units of a frame that are looked at
+    static constexpr unsigned int PACKET_LIMIT = 1472; ///< bytes of a packet with all its headers
+    static constexpr int MAX_UNITS = 512;              ///< units of a frame that are looked at
 
     /// @param mode     STREAMING_TCP puts the interleave header in front of each packet
     /// @param clock    RTP clock in Hz: 90000 for video, the sample rate for audio; 0: the time stamp stands still
+    /// @param encodeType  not looked at: what a frame holds follows from its type
     /// @param channel  interleaved channel (RFC 2326, 10.12), read for TCP only
     CRTSP_RTPPackUp(StreamingMode mode, NETNS::RTSP_FRAME_TYPE frameType, NETNS::RTSP_ENCODE_TYPE encodeType,
                     unsigned char payload, unsigned int clock, unsigned int ssrc, unsigned int initialTimestamp,
@@ -66,11 +67,11 @@ private:
     void PackFragments(const FrameBytes& frame, const Unit& unit, bool lastOfFrame,
                        std::list<SENDING_COMMON_DATA>* out);
     unsigned char* AppendPacket(unsigned int payloadLength, bool marker, std::list<SENDING_COMMON_DATA>* out);
+    static void CopyPayload(const FrameBytes& frame, unsigned int from, unsigned char* payload, unsigned int length);
     unsigned int HeaderLength() const;
 
     const StreamingMode m_mode;
     const NETNS::RTSP_FRAME_TYPE m_frameType;
-    const NETNS::RTSP_ENCODE_TYPE m_encodeType;
     const unsigned char m_payload;
     const unsigned char m_channel;
     const unsigned int m_clock;

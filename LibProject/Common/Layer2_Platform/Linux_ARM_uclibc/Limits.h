@@ -1,0 +1,20 @@
+// Limits.h: the bounds that this library chooses for what peers, cameras and hosts may ask of it.
+#pragma once
+
+#include <cstddef>
+
+/// Bytes of an HTTP message that may come without an end of the header, and the largest body.
+constexpr std::size_t LIMIT_HTTP_MESSAGE_BYTES = 0xA00000; // 10 MiB
+/// Bytes of RTSP answers that may wait for a peer that does not read.
+constexpr std::size_t LIMIT_RTSP_QUEUED_ANSWER_BYTES = 1024 * 1024;
+/// Bytes of a snapshot that a host or a camera delivers.
+constexpr std::size_t LIMIT_SNAPSHOT_BYTES = 64 * 1024 * 1024;
+/// Privacy masks in one request.
+constexpr std::size_t LIMIT_PRIVACY_MASKS = 256;
+/// Cells of a motion grid in each direction.
+constexpr std::size_t LIMIT_MOTION_GRID_COLUMNS = 1024;
+constexpr std::size_t LIMIT_MOTION_GRID_ROWS = 1024;
+/// Connections whose peers are gone and that still wait to be collected.
+constexpr std::size_t LIMIT_ABANDONED_CONNECTIONS = 32;
+/// Elements within elements in an XML document.
+constexpr std::size_t LIMIT_XML_NESTING = 500;

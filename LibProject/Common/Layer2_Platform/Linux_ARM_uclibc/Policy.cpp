@@ -1,0 +1,34 @@
+#include "Policy.h"
+
+#include <atomic>
+
+namespace
+{
+
+const unsigned int POLICY_BIT_STANDARD_RTSP = 1; // NET_POLICY_STANDARD_RTSP of the public header
+
+std::atomic<unsigned int> s_currentBits{0};
+
+} // namespace
+
+CPolicy::CPolicy(unsigned int bits) : m_bits(bits) {}
+
+CPolicy CPolicy::Current()
+{
+    return CPolicy(s_currentBits.load());
+}
+
+void CPolicy::SetCurrent(CPolicy policy)
+{
+    s_currentBits.store(policy.m_bits);
+}
+
+unsigned int CPolicy::Bits() const
+{
+    return m_bits;
+}
+
+bool CPolicy::StandardRtsp() const
+{
+    return (m_bits & POLICY_BIT_STANDARD_RTSP) != 0;
+}
