@@ -116,8 +116,7 @@ bool CRTSP_Server::AcceptOne()
     try
     {
         m_sessionList.push_back(nullptr);
-        m_sessionList.back() =
-            CRTSP_ClientSession::Create_RTSP_ClientSession(m_scheduler, *this, sock, m_localAddress);
+        m_sessionList.back() = CRTSP_ClientSession::Create_RTSP_ClientSession(m_scheduler, *this, sock, m_localAddress);
     }
     catch (const std::exception& failure)
     {
@@ -293,8 +292,8 @@ int CRTSP_Server::Create_RTP_RTCP_Link_UDP(CRTSP_ClientSession* session, int uni
         rtp->Destroy();
         return -1;
     }
-    const RTCP_LINK_CFG rtcpLink{session,     ip,  rtcpPort, static_cast<unsigned char>(config->frameType), ssrc,
-                                 m_scheduler, rtcpSock, config->linkTimeOutMs};
+    const RTCP_LINK_CFG rtcpLink{session, ip,          rtcpPort, static_cast<unsigned char>(config->frameType),
+                                 ssrc,    m_scheduler, rtcpSock, config->linkTimeOutMs};
     *ppRTCPLnk = unicast != 0 ? CRTSP_RTCPLink_UDP::Create_RTSP_RTCPLink_UDP(rtcpLink)
                               : CRTSP_RTCPLink_UDP_Multicast::Create_RTSP_RTCPLink_UDP_Multicast(rtcpLink);
     *ppRTPLnk = rtp;

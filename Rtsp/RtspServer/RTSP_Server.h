@@ -23,7 +23,7 @@ public:
 
     /// @return 0; -1 when the port cannot be had
     int Start_RTSP_Server(unsigned short port);
-    int Stop_RTSP_Server(); ///< ends every session and closes the port. @return 0
+    int Stop_RTSP_Server();         ///< ends every session and closes the port. @return 0
     unsigned short GetPort() const; ///< 0 while not started
 
     int HandleAccept() override;

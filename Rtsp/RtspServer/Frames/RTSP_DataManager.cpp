@@ -1,6 +1,7 @@
 #include "RTSP_DataManager.h"
 
 #include "Limits.h"
+#include "RTSP_Console.h"
 #include "ShareSDK.h"
 
 #include <cstdio>
@@ -208,12 +209,20 @@ bool CRTSP_DataManager::GetSnapShot(unsigned int chn, char*& data, unsigned int&
     if (!taken || m_snapShot == nullptr)
     {
         m_snapShot.reset();
-        printf(" CRTSP_DataManager::GetSnapShot timeout \n ");
+        RTSP_ConsoleLine(" CRTSP_DataManager::GetSnapShot timeout \n ");
         return false;
     }
     data = m_snapShot.release();
     len = m_snapShotLength;
     return true;
+}
+
+bool CRTSP_DataManager::IsDescribable(unsigned int id, int stream) const
+{
+    if (id == RTSP_STREAM_TALKBACK)
+        return true;
+    CMySingleLock lock(m_dataLock);
+    return m_records.count(RTSP_MANAGER_KEY{id, stream, NETNS::RTSP_FRAME_VIDEO}) != 0;
 }
 
 bool CRTSP_DataManager::NeedAuthorization()

@@ -99,6 +99,9 @@ public:
     bool GetSDPInfo(unsigned int id, int stream, std::string& sdp, RTSP_PROFILE_CFG& profile,
                     CPolicy policy = CPolicy());
 
+    /// Whether GetSDPInfo would succeed: the stream's first key frame has come, or it is talk.
+    bool IsDescribable(unsigned int id, int stream) const;
+
     bool NeedAuthorization();
     void GetRtspUserInfo(std::vector<NETNS::DEV_USER_INFO>& users);
 

@@ -3,6 +3,7 @@
 
 #include "Base64Coder.h"
 #include "PFHelper.h"
+#include "RTSP_Console.h"
 #include "ShareSDK.h"
 #include "StartCode.h"
 
@@ -177,8 +178,9 @@ bool CRTSP_DataManager::WriteVideo(unsigned int id, int stream, std::string& sdp
     const auto found = m_records.find(RTSP_MANAGER_KEY{id, stream, NETNS::RTSP_FRAME_VIDEO});
     if (found == m_records.end())
     {
-        printf("CRTSP_DataManager::GetSDPInfo failed, %s:%d, size:%u, id:%u, streamidx:%d. type:%d \n", __FILE__,
-               __LINE__, static_cast<unsigned int>(m_records.size()), id, stream, NETNS::RTSP_FRAME_VIDEO);
+        RTSP_ConsoleLine("CRTSP_DataManager::GetSDPInfo failed, %s:%d, size:%u, id:%u, streamidx:%d. type:%d \n",
+                         __FILE__, __LINE__, static_cast<unsigned int>(m_records.size()), id, stream,
+                         NETNS::RTSP_FRAME_VIDEO);
         return false;
     }
     const StreamRecord& record = found->second;
@@ -204,7 +206,7 @@ void CRTSP_DataManager::WriteAudio(unsigned int id, int stream, std::string& sdp
     const FormatRow* format = FindFormat(AUDIO_FORMATS, record->audioEncodeType);
     if (format == nullptr)
     {
-        printf("unknown audio encode type %u\n", static_cast<unsigned int>(record->audioEncodeType));
+        RTSP_ConsoleLine("unknown audio encode type %u\n", static_cast<unsigned int>(record->audioEncodeType));
         SHARESDK_AbnormalOutput("an audio encode type that RTSP does not know", __FILE__, __LINE__);
         return;
     }

@@ -1,5 +1,6 @@
 #include "RtspTransport.h"
 
+#include "RTSP_Console.h"
 #include "ShareSDK.h"
 
 #include <climits>
@@ -126,12 +127,12 @@ bool ReadParameter(const char* parameter, RTSP_TRANSPORT& out)
     const ParameterRow* row = FindParameter(parameter);
     if (row == nullptr)
     {
-        printf("Transport  error para:%s  %s %d\n", parameter, __FILE__, __LINE__);
+        RTSP_ConsoleLine("Transport  error para:%s  %s %d\n", parameter, __FILE__, __LINE__);
         return true;
     }
     if (row->read(parameter, out))
         return true;
-    printf("Transport param error %s %d\n", __FILE__, __LINE__);
+    RTSP_ConsoleLine("Transport param error %s %d\n", __FILE__, __LINE__);
     return false;
 }
 

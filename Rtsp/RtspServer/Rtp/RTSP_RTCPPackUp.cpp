@@ -1,6 +1,7 @@
 #include "RTSP_RTCPPackUp.h"
 
 #include "ByteOrder.h"
+#include "RTSP_Console.h"
 #include "ShareSDK.h"
 #include "SysHelper.h"
 
@@ -135,7 +136,7 @@ int CRTSP_RTCPPackUp::GetRTCPData(char* out, int* size)
     }
     if (*size < m_used)
     {
-        printf("################### %d %d\n", *size, m_used);
+        RTSP_ConsoleLine("################### %d %d\n", *size, m_used);
         return -1;
     }
     memcpy(out, m_buffer.get(), static_cast<std::size_t>(m_used));

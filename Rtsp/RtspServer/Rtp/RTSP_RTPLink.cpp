@@ -29,7 +29,8 @@ void Free(SENDING_COMMON_DATA& data)
 } // namespace
 
 CRTSP_RTPLink::CRTSP_RTPLink(const RTP_LINK_CFG& cfg)
-    : CRTSP_SockHandler(cfg.scheduler, cfg.sock), m_ip(cfg.ip), m_port(cfg.port), m_reportTimestamp(cfg.initialTimestamp),
+    : CRTSP_SockHandler(cfg.scheduler, cfg.sock), m_ip(cfg.ip), m_port(cfg.port),
+      m_reportTimestamp(cfg.initialTimestamp),
       m_packUp(STREAMING_UDP, cfg.config.frameType, cfg.config.encodeType, cfg.config.payloadType, cfg.config.clockRate,
                cfg.ssrc, cfg.initialTimestamp, 0)
 {
@@ -228,8 +229,7 @@ int CRTSP_RTPLink::SendCommonData(SENDING_COMMON_DATA data)
 /// Counts the bytes of a packet from one place to another; those of its RTP header do not count.
 void CRTSP_RTPLink::AddOctets(int from, int to)
 {
-    m_octetCount +=
-        static_cast<std::uint32_t>(std::max(to, RTP_HEADER_BYTES) - std::max(from, RTP_HEADER_BYTES));
+    m_octetCount += static_cast<std::uint32_t>(std::max(to, RTP_HEADER_BYTES) - std::max(from, RTP_HEADER_BYTES));
 }
 
 /// Counts a packet that went out whole, and reports when a report is due. @return false when the report failed
@@ -238,8 +238,8 @@ bool CRTSP_RTPLink::CountSent()
     ++m_packetCount;
     if (m_reportSent)
         return true;
-    if (m_partner == nullptr || m_partner->RTSP_RTCPLink_Send_SR_SDES(m_reportTimestamp, m_reportBaseUs, m_packetCount,
-                                                                      m_octetCount) != 0)
+    if (m_partner == nullptr ||
+        m_partner->RTSP_RTCPLink_Send_SR_SDES(m_reportTimestamp, m_reportBaseUs, m_packetCount, m_octetCount) != 0)
         return false;
     m_reportSent = true;
     return true;

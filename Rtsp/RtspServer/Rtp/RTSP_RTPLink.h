@@ -76,11 +76,11 @@ private:
     int TrainLength() const;
     void PopPacket();
 
-    std::uint32_t m_reportTimestamp;       ///< RTP timestamp that belongs to m_reportBaseUs
-    std::uint64_t m_reportBaseUs = 0;      ///< presentation time of the report's frame, 0 before the first
-    CRTSP_RTCPLink* m_partner = nullptr;   ///< while started
-    SENDING_COMMON_DATA m_pending{};       ///< a packet of which a part went out
-    CSharedDataList* m_list = nullptr;     ///< owned by the data manager, removed by this link
+    std::uint32_t m_reportTimestamp;     ///< RTP timestamp that belongs to m_reportBaseUs
+    std::uint64_t m_reportBaseUs = 0;    ///< presentation time of the report's frame, 0 before the first
+    CRTSP_RTCPLink* m_partner = nullptr; ///< while started
+    SENDING_COMMON_DATA m_pending{};     ///< a packet of which a part went out
+    CSharedDataList* m_list = nullptr;   ///< owned by the data manager, removed by this link
     CRTSP_RTPPackUp m_packUp;
     std::list<SENDING_COMMON_DATA> m_packets; ///< ready to go, in order
     std::uint32_t m_packetCount = 0;

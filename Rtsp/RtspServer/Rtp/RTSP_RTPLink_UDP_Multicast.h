@@ -28,6 +28,6 @@ private:
 
     std::list<CRTSP_ClientSession*> m_sessions;
     bool m_inTimeOut = false;
-    int m_NuRTPStart = 0;      ///< users that play
-    int m_NURTPMulticast = 1;  ///< users
+    int m_NuRTPStart = 0;     ///< users that play
+    int m_NURTPMulticast = 1; ///< users
 };

@@ -6,8 +6,8 @@
 #include "RTSP_DataManager.h"
 #include "RTSP_RTCPLink.h"
 #include "RTSP_RTPLink.h"
-#include "RTSP_SockScheduler.h"
 #include "RTSP_Server.h"
+#include "RTSP_SockScheduler.h"
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>

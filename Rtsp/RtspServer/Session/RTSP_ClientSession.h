@@ -1,7 +1,7 @@
 // RTSP_ClientSession.h: one client's TCP connection: its requests, its answers, its interleaved packets, its tunnel.
 //
-// RFC 2326. By topic: RTSP_ClientSession.cpp life and death, ...Commands.cpp requests and answers, ...Setup.cpp the SETUP
-// request, ...Receive.cpp bytes in, ...Send.cpp bytes out. Scheduler thread only.
+// RFC 2326. By topic: RTSP_ClientSession.cpp life and death, ...Commands.cpp requests and answers, ...Setup.cpp the
+// SETUP request, ...Receive.cpp bytes in, ...Send.cpp bytes out. Scheduler thread only.
 #pragma once
 
 #include "Policy.h"
@@ -39,8 +39,8 @@ public:
 
     /// @param sock          the accepted connection, owned by the session
     /// @param localAddress  not used
-    static CRTSP_ClientSession* Create_RTSP_ClientSession(CRTSP_SockScheduler& scheduler, CRTSP_Server& server, int sock,
-                                                          const char* localAddress);
+    static CRTSP_ClientSession* Create_RTSP_ClientSession(CRTSP_SockScheduler& scheduler, CRTSP_Server& server,
+                                                          int sock, const char* localAddress);
 
     void Destroy() override;
     int HandleAccept() override;
@@ -164,7 +164,7 @@ private:
     int SendRTPDataOverTCP();
     int SendPackets(std::list<SENDING_COMMON_DATA>& packets);
     int ConsumeSent(std::list<SENDING_COMMON_DATA>& packets, int sent);
-    int QueuedAnswerBytes() const;
+    std::size_t QueuedAnswerBytes() const;
 
     CRTSP_Server& m_server;
     const CPolicy m_policy; ///< as it was when the connection was made
@@ -177,7 +177,7 @@ private:
     DYNAMIC_RATE m_dynamicRate = DYNAMIC_RATE_NONE;
     unsigned int m_probeSendTick = 0;
     unsigned int m_probeAnswerTick = 0;
-    bool m_tcpData = false; ///< a track is interleaved
+    bool m_tcpData = false;                                                                  ///< a track is interleaved
     std::map<unsigned char, std::unique_ptr<SUB_SESSION_STREAM_INFO>> m_subSessionStreamMap; ///< by frame type
     unsigned int m_streamHandle = 0;
     unsigned int m_id = 0;

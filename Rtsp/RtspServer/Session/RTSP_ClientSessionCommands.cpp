@@ -3,16 +3,17 @@
 #include "RTSP_ClientSession.h"
 
 #include "AuthorizationCheck.h"
+#include "Limits.h"
+#include "MD5.h"
 #include "PFAssert.h"
 #include "PFHelper.h"
-#include "PubHelper.h"
 #include "RTSP_Console.h"
 #include "RTSP_DataManager.h"
 #include "RTSP_ManagerKey.h"
 #include "RTSP_RTPLink.h"
+#include "RTSP_Server.h"
 #include "RTSP_SessionTexts.h"
 #include "RTSP_SockScheduler.h"
-#include "RTSP_Server.h"
 #include "RtspProtocol.h"
 
 #include <cinttypes>
@@ -82,13 +83,13 @@ struct CRTSP_ClientSession::COMMAND
 };
 
 const CRTSP_ClientSession::COMMAND CRTSP_ClientSession::COMMANDS[] = {
-    {"OPTIONS",       false, &CRTSP_ClientSession::OnOptions     },
-    {"DESCRIBE",      true,  &CRTSP_ClientSession::OnDescribe    },
-    {"SETUP",         true,  &CRTSP_ClientSession::OnSetup       },
-    {"PLAY",          true,  &CRTSP_ClientSession::OnPlay        },
-    {"TEARDOWN",      true,  &CRTSP_ClientSession::OnTeardown    },
-    {"GET_PARAMETER", true,  &CRTSP_ClientSession::OnGetParameter},
-    {"SET_PARAMETER", true,  &CRTSP_ClientSession::OnGetParameter},
+    {"OPTIONS", false, &CRTSP_ClientSession::OnOptions},
+    {"DESCRIBE", true, &CRTSP_ClientSession::OnDescribe},
+    {"SETUP", true, &CRTSP_ClientSession::OnSetup},
+    {"PLAY", true, &CRTSP_ClientSession::OnPlay},
+    {"TEARDOWN", true, &CRTSP_ClientSession::OnTeardown},
+    {"GET_PARAMETER", true, &CRTSP_ClientSession::OnGetParameter},
+    {"SET_PARAMETER", true, &CRTSP_ClientSession::OnGetParameter},
 };
 
 int CRTSP_ClientSession::HandRTSPCmdData(char* msg, int len, int headerEnd)
@@ -193,7 +194,7 @@ int CRTSP_ClientSession::SendAnswer()
     SendCmdData(m_answer.data(), static_cast<int>(m_answer.size()));
     m_answer.clear();
     ResetRequest();
-    if (m_alive && QueuedAnswerBytes() <= MAX_QUEUED_ANSWER_BYTES)
+    if (m_alive && QueuedAnswerBytes() <= LIMIT_RTSP_QUEUED_ANSWER_BYTES)
         return 0;
     Destroy();
     return HANDLER_GONE;
@@ -336,7 +337,10 @@ bool CRTSP_ClientSession::OpenDescribed(const std::string& url)
         m_streamHandle = data.OpenLiveStream(userText, m_id, m_streamIndex, unused);
         return true;
     }
-    const auto holds = [&url](const char* word) { return url.find(word) != std::string::npos; };
+    const auto holds = [&url](const char* word)
+    {
+        return url.find(word) != std::string::npos;
+    };
     if (holds("date=") && holds("time=") && holds("timelen="))
         return OpenPlayback(url, userText);
     if (!holds("talk"))
@@ -363,8 +367,8 @@ bool CRTSP_ClientSession::OpenPlayback(const std::string& url, const char* userT
         return false;
     const unsigned int timeLen = static_cast<unsigned int>(std::strtol(lengthText.c_str(), nullptr, 10));
     unsigned int unused = 0;
-    m_streamHandle = CRTSP_DataManager::Instance().OpenRecStream(userText, PlaybackChannel(url), date, time, timeLen,
-                                                                 unused);
+    m_streamHandle =
+        CRTSP_DataManager::Instance().OpenRecStream(userText, PlaybackChannel(url), date, time, timeLen, unused);
     m_id = m_streamHandle;
     m_streamIndex = RTSP_STREAM_PLAYBACK;
     return true;

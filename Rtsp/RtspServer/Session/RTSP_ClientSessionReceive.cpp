@@ -24,10 +24,8 @@ constexpr int RTP_HEADER_BYTES = 12;
 constexpr unsigned char PAYLOAD_PCMA = 8;
 constexpr unsigned char AUDIO_MARKER[4] = {0x00, 0x01, 0xA0, 0x00};
 
-/// Room for the marker in front, so that a talk packet is handed on without a copy. All sessions share it: a packet
-/// that did not come whole in one call is lost.
-unsigned char g_dollarRoom[65536];
-unsigned char* const g_dollarPacket = g_dollarRoom;
+/// All sessions share it: a packet that did not come whole in one call is lost.
+unsigned char g_dollarPacket[65536];
 
 const char* EndOfMessage(const char* text)
 {

@@ -63,11 +63,11 @@ int CRTSP_ClientSession::SendCmdData(const char* text, int len)
     return 0;
 }
 
-int CRTSP_ClientSession::QueuedAnswerBytes() const
+std::size_t CRTSP_ClientSession::QueuedAnswerBytes() const
 {
-    int bytes = 0;
+    std::size_t bytes = 0;
     for (const SENDING_COMMON_DATA& command : m_commands)
-        bytes += command.length - command.sent;
+        bytes += static_cast<std::size_t>(command.length - command.sent);
     return bytes;
 }
 

@@ -8,8 +8,8 @@
 #include "RTSP_Console.h"
 #include "RTSP_RTCPLink.h"
 #include "RTSP_RTPLink.h"
-#include "RTSP_SessionTexts.h"
 #include "RTSP_Server.h"
+#include "RTSP_SessionTexts.h"
 #include "RtspProtocol.h"
 
 #include <cinttypes>
@@ -165,17 +165,17 @@ void CRTSP_ClientSession::SetUpTcp(SUB_SESSION_STREAM_INFO& track, const RTSP_TR
     const unsigned int ssrc = static_cast<unsigned int>(PUB_Rand());
     const unsigned int initialTimestamp = static_cast<unsigned int>(PUB_Rand());
     // The answer repeats the client's numbers as they are; the packets carry their low byte.
-    track.tcp.packUp = std::make_unique<CRTSP_RTPPackUp>(
-        STREAMING_TCP, track.config.frameType, track.config.encodeType, track.config.payloadType,
-        track.config.clockRate, ssrc, initialTimestamp, static_cast<unsigned char>(transport.chn1));
+    track.tcp.packUp = std::make_unique<CRTSP_RTPPackUp>(STREAMING_TCP, track.config.frameType, track.config.encodeType,
+                                                         track.config.payloadType, track.config.clockRate, ssrc,
+                                                         initialTimestamp, static_cast<unsigned char>(transport.chn1));
     track.tcp.rtpChannel = static_cast<int>(transport.chn1);
     track.tcp.rtcpChannel = static_cast<int>(transport.chn2);
     m_tcpData = true;
 
     std::string dynamicRate;
     if (m_dynamicRate == DYNAMIC_RATE_DONE)
-        dynamicRate = RoundTripLine("x-Transport-Options: late-tolerance=1.400000\r\n", m_probeAnswerTick,
-                                    m_probeSendTick);
+        dynamicRate =
+            RoundTripLine("x-Transport-Options: late-tolerance=1.400000\r\n", m_probeAnswerTick, m_probeSendTick);
     Answer(cseq,
            "RTSP/1.0 200 OK\r\nServer: %s\r\nCSeq: %u\r\nLast-Modified: %s\r\nCache-Control: must-revalidate\r\n"
            "%s%sTransport: RTP/AVP/TCP;unicast;destination=%s;source=%s;interleaved=%" PRIu32 "-%" PRIu32

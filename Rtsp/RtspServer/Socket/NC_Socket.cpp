@@ -4,10 +4,10 @@
 #include "ShareSDK.h"
 
 #include <arpa/inet.h>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <cerrno>
 #include <fcntl.h>
 #include <list>
 #include <mutex>
@@ -85,10 +85,12 @@ int GetName(NameCall call, int sock, char* ipText, unsigned short* port)
 void NC_Init()
 {
     static std::once_flag once;
-    std::call_once(once, [] {
-        std::signal(SIGPIPE, SIG_IGN);
-        g_reserveDescriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    });
+    std::call_once(once,
+                   []
+                   {
+                       std::signal(SIGPIPE, SIG_IGN);
+                       g_reserveDescriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+                   });
 }
 
 int NC_CreateSocket(int domain, int type, int protocol)
@@ -121,9 +123,9 @@ int NC_BindInterFace(int sock, const char* interfaceName, unsigned short port)
         CPFHelper::GetSocketEnabled_NICList(interfaces);
         for (const CPFHelper::__TNICInfo& candidate : interfaces)
         {
-            if (std::strcmp(candidate.szName, interfaceName) == 0)
+            if (std::strcmp(candidate.name, interfaceName) == 0)
             {
-                ip = candidate.uiIP;
+                ip = candidate.IP;
                 break;
             }
         }
@@ -236,8 +238,8 @@ NC_TRAIN_RESULT NC_UDP_SendTrain(int sock, const iovec* datagrams, int count, un
         return NC_TRAIN_SENT;
     if (NC_EWOULDBLOCK())
         return NC_TRAIN_WOULD_BLOCK;
-    const bool refused = errno == EINVAL || errno == EIO || errno == EMSGSIZE || errno == ENOPROTOOPT ||
-                         errno == EOPNOTSUPP;
+    const bool refused =
+        errno == EINVAL || errno == EIO || errno == EMSGSIZE || errno == ENOPROTOOPT || errno == EOPNOTSUPP;
     return refused ? NC_TRAIN_NOT_SUPPORTED : NC_TRAIN_ERROR;
 }
 

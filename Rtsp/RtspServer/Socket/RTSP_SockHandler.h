@@ -37,9 +37,9 @@ public:
     virtual void Destroy();
 
     virtual int HandleAccept() = 0;
-    virtual int HandleRecv() = 0;         ///< @return HANDLER_GONE, or anything else
-    virtual bool HasDataToSend() = 0;     ///< asked before each wait of a handler with SOCK_HANDLER_SEND
-    virtual int HandleSend() = 0;         ///< @return a HANDLER_RESULT
+    virtual int HandleRecv() = 0;     ///< @return HANDLER_GONE, or anything else
+    virtual bool HasDataToSend() = 0; ///< asked before each wait of a handler with SOCK_HANDLER_SEND
+    virtual int HandleSend() = 0;     ///< @return a HANDLER_RESULT
     virtual int HandleConnected() = 0;
     virtual int HandleTimeOut(int iTypeMask) = 0;
 

@@ -128,8 +128,8 @@ void CRTSP_SockScheduler::DelWaiter(CRTSP_SockHandler* handler)
 int CRTSP_SockScheduler::Start_RTSP_SockScheduler()
 {
     m_running = true;
-    m_thread = SHARESDK_CreateRunOneThread(&CRTSP_SockScheduler::ThreadProc, this, false, __FILE__, __LINE__,
-                                           THREAD_NAME);
+    m_thread =
+        SHARESDK_CreateRunOneThread(&CRTSP_SockScheduler::ThreadProc, this, false, __FILE__, __LINE__, THREAD_NAME);
     if (m_thread == 0)
         SHARESDK_AbnormalOutput("rtsp scheduler thread not started", __FILE__, __LINE__);
     return 0;

@@ -1,8 +1,8 @@
 // RTSP_SockScheduler.h: the one thread that drives every socket of the RTSP server.
 //
 // A round: time-outs, the sets of interest, one wait of at most 60 ms, the callbacks. The wait ends early when a frame
-// is queued (WakeUp). Only the scheduler thread touches the table while it runs, so there is no lock; WakeUp() alone may
-// be called from any thread.
+// is queued (WakeUp). Only the scheduler thread touches the table while it runs, so there is no lock; WakeUp() alone
+// may be called from any thread.
 #pragma once
 
 #include "RTSP_SockHandler.h"
