@@ -26,6 +26,8 @@ public:
     int Stop_RTSP_Server();         ///< ends every session and closes the port. @return 0
     unsigned short GetPort() const; ///< 0 while not started
 
+    std::size_t SessionCount() const { return m_sessionList.size(); }
+
     int HandleAccept() override;
     int HandleRecv() override;
     bool HasDataToSend() override;
