@@ -67,12 +67,21 @@ bool CSysHelper::GuidToString(const _GUID& guid, char* text)
 
 _GUID CSysHelper::GetGuidFromString(const char* text)
 {
-    unsigned int fields[11] = {};
-    const int count =
-        std::sscanf(text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", &fields[0], &fields[1], &fields[2],
-                    &fields[3], &fields[4], &fields[5], &fields[6], &fields[7], &fields[8], &fields[9], &fields[10]);
-    PF_ASSERT(count == 11);
     _GUID guid = {};
+    const bool isGuid = ReadGuid(text, guid);
+    PF_ASSERT(isGuid);
+    return guid;
+}
+
+bool CSysHelper::ReadGuid(const char* text, _GUID& guid)
+{
+    unsigned int fields[11] = {};
+    if (std::sscanf(text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", &fields[0], &fields[1], &fields[2],
+                    &fields[3], &fields[4], &fields[5], &fields[6], &fields[7], &fields[8], &fields[9],
+                    &fields[10]) != 11)
+    {
+        return false;
+    }
     guid.Data1 = fields[0];
     guid.Data2 = static_cast<std::uint16_t>(fields[1]);
     guid.Data3 = static_cast<std::uint16_t>(fields[2]);
@@ -80,7 +89,7 @@ _GUID CSysHelper::GetGuidFromString(const char* text)
     {
         guid.Data4[i] = static_cast<std::uint8_t>(fields[3 + i]);
     }
-    return guid;
+    return true;
 }
 
 bool CSysHelper::MACAddressToStr(const unsigned char* mac, char* dst, int strLen)

@@ -16,6 +16,8 @@ public:
     static bool GuidToString(const _GUID& guid, char* text);
     /// @param text  a GUID as GuidToString writes it; anything else ends the process
     static _GUID GetGuidFromString(const char* text);
+    /// The same for text that nobody vouches for. @return false, with `guid` left alone, when it is no GUID
+    static bool ReadGuid(const char* text, _GUID& guid);
 
     /// Writes "XX:XX:XX:XX:XX:XX". @param strLen  room in `dst`, at least 19
     /// @return false, with nothing written, when the room is smaller

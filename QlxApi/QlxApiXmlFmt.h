@@ -1,0 +1,21 @@
+// QlxApiXmlFmt.h: the XML documents that API commands fill. All operations are static; any thread.
+#pragma once
+
+#include <string>
+
+/// Namespace of every document's root element.
+extern const char* const QLX_API_NAMESPACE;
+
+class CQlxApiXmlFmt
+{
+public:
+    /// The answer to a command that succeeded.
+    static std::string CorrectResponse();
+    /// The answer to one that failed; its error code is filled in.
+    static std::string ErrorResponse();
+    /// The user verification text, with "%s" for the user's name, the password and the peer's address.
+    static std::string GetVerifyXml();
+
+    static std::string GetDeviceInfo();
+    static std::string GetDateAndTime();
+};
