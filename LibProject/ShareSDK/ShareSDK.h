@@ -22,11 +22,13 @@ bool SHARESDK_ResumeThread(unsigned int handle);
 
 /// Waits for the thread's end and frees the handle. A thread that was never resumed ends without running its function.
 /// A thread that destroys itself is detached instead of joined, and the call returns at once.
-/// Of two calls with one handle, one waits and the other returns false.
+/// Of two calls with one handle, one waits and the other returns false. When threads destroy each other, the call that
+/// would close the circle detaches its thread and returns at once.
 /// @return false for an unknown handle
 bool SHARESDK_DestroyThread(unsigned int handle, const char* file, int line);
 
-/// Writes a log line. @param file, line  the place in the source
+/// Writes a log line: date, time, kernel thread id, kind, place, text. Control characters become blanks, so that a line
+/// stays one line. @param file, line  the place in the source
 void SHARESDK_NormalOutput(const char* text, const char* file, unsigned int line);
 
 /// Writes an error line. "ASSERT" stands for a broken precondition: the code behind the call goes on.

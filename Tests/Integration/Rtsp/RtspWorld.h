@@ -11,7 +11,6 @@
 #include "RTSP_Server.h"
 #include "RTSP_SockScheduler.h"
 
-#include <cstring>
 #include <regex>
 #include <string>
 
@@ -69,6 +68,8 @@ public:
     RtspWorld()
     {
         NC_Init();
+        device.needAuthorization = false;
+        device.users.clear();
         data.Init(&stream, &device);
         server = CRTSP_Server::Create_RTSP_Server(scheduler, nullptr);
         server->Start_RTSP_Server(0);
@@ -129,14 +130,11 @@ public:
 
     void RequireLogin(const char* name, const char* password)
     {
-        NETNS::DEV_USER_INFO user{};
-        std::strncpy(user.userName, name, sizeof(user.userName) - 1);
-        std::strncpy(user.password, password, sizeof(user.password) - 1);
-        device.users.push_back(user);
+        device.AddUser(name, password);
         device.needAuthorization = true;
     }
 
-    FakeDevice device;
+    CFakeDevice device;
     FakeStreamCtrl stream;
     CRTSP_SockScheduler scheduler;
     CRTSP_DataManager& data = CRTSP_DataManager::Instance();

@@ -1,12 +1,14 @@
 #include "RTSP_DataManager.h"
 
-#include "BareDevice.h"
+#include "FakeDevice.h"
+#include "FakeStreamCtrl.h"
 #include "FrameMaker.h"
 #include "Limits.h"
 #include "NetServerSDK.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 #include <future>
 #include <string>
@@ -33,56 +35,28 @@ const std::string KEY_FRAME = Bytes("\0\0\0\1\x67\x42\0\x1F"
                                     26);
 const std::string P_FRAME = Bytes("\0\0\0\1\x41slice", 10);
 
-class Device : public CBareDevice
+// A host that says how many users it has, whether the list took them or not.
+class Device : public FakeDevice
 {
 public:
     NETNS::DEV_RET GetUserList(NETNS::DEV_USER_INFO* list, int max, int& count) override
     {
         askedFor = max;
-        for (int i = 0; i < userCount && i < max; ++i)
-            snprintf(list[i].userName, sizeof(list[i].userName), "user%d", i);
-        count = userCount;
+        FakeDevice::GetUserList(list, max, count);
+        if (reportedCount != 0)
+            count = reportedCount;
         return NETNS::DEV_RET_OK;
     }
-    bool NeedAuthorization() override { return needAuthorization; }
 
-    int userCount = 0;
+    void MakeUsers(unsigned int count)
+    {
+        users.assign(count, NETNS::DEV_USER_INFO());
+        for (unsigned int i = 0; i < count; ++i)
+            snprintf(users[i].userName, sizeof(users[i].userName), "user%u", i);
+    }
+
+    int reportedCount = 0;
     int askedFor = 0;
-    bool needAuthorization = false;
-};
-
-class Streams : public CStreamCtrl
-{
-public:
-    unsigned int OpenLiveStream(const char* user, unsigned int chn, int stream, unsigned int&) override
-    {
-        log = std::string("live ") + user + " " + std::to_string(chn) + " " + std::to_string(stream);
-        return 11;
-    }
-    int StreamReserved() override { return 0; }
-    void CloseLiveStream(unsigned int handle) override { log = "close live " + std::to_string(handle); }
-    unsigned int OpenRecStream(const char* user, unsigned int chn, const NETNS::DEV_DATE& date,
-                               const NETNS::DEV_TIME& time, unsigned int timeLen, unsigned int&) override
-    {
-        log = std::string("rec ") + user + " " + std::to_string(chn) + " " + std::to_string(date.year) + " " +
-              std::to_string(time.minute) + " " + std::to_string(timeLen);
-        return 12;
-    }
-    void ClosePlayStream(unsigned int handle) override { log = "close play " + std::to_string(handle); }
-    unsigned int OpenTalkBackStream(const char* user) override
-    {
-        log = std::string("talk ") + user;
-        return 13;
-    }
-    void CloseTalkBackStream(unsigned int handle) override { log = "close talk " + std::to_string(handle); }
-    int TalkBackStreamInput(unsigned char* data, int len, int encodeType) override
-    {
-        log = "input " + std::string(reinterpret_cast<char*>(data), static_cast<std::size_t>(len)) + " " +
-              std::to_string(encodeType);
-        return 14;
-    }
-
-    std::string log;
 };
 
 class RTSP_DataManager : public testing::Test
@@ -305,27 +279,38 @@ TEST_F(RTSP_DataManager, UrlsOfAChannelAreListed)
 
 TEST_F(RTSP_DataManager, SevenUsersWorkAndWithEightNobodyCanLogIn)
 {
-    Streams streams;
+    FakeStreamCtrl streams;
     Device device;
     m_manager.Init(&streams, &device);
     std::vector<NETNS::DEV_USER_INFO> users(3);
-    device.userCount = 7;
+    device.MakeUsers(7);
     m_manager.GetRtspUserInfo(users);
     EXPECT_EQ(8, device.askedFor);
     ASSERT_EQ(7u, users.size());
     EXPECT_STREQ("user6", users[6].userName);
 
-    device.userCount = 8;
-    m_manager.GetRtspUserInfo(users);
-    EXPECT_TRUE(users.empty());
-    device.userCount = -1;
+    device.MakeUsers(8);
     m_manager.GetRtspUserInfo(users);
     EXPECT_TRUE(users.empty());
 }
 
+TEST_F(RTSP_DataManager, CountThatMakesNoSenseIsNoUser)
+{
+    FakeStreamCtrl streams;
+    Device device;
+    m_manager.Init(&streams, &device);
+    std::vector<NETNS::DEV_USER_INFO> users(3);
+    for (int count : {-1, 9, 1000000})
+    {
+        device.reportedCount = count;
+        m_manager.GetRtspUserInfo(users);
+        EXPECT_TRUE(users.empty()) << count;
+    }
+}
+
 TEST_F(RTSP_DataManager, AuthorizationIsTheHostsChoice)
 {
-    Streams streams;
+    FakeStreamCtrl streams;
     Device device;
     m_manager.Init(&streams, &device);
     EXPECT_FALSE(m_manager.NeedAuthorization());
@@ -335,25 +320,24 @@ TEST_F(RTSP_DataManager, AuthorizationIsTheHostsChoice)
 
 TEST_F(RTSP_DataManager, StreamOperationsReachTheHostOneForOne)
 {
-    Streams streams;
+    FakeStreamCtrl streams;
     Device device;
     m_manager.Init(&streams, &device);
     unsigned int out = 0;
-    EXPECT_EQ(11u, m_manager.OpenLiveStream("u", 3, 1, out));
-    EXPECT_EQ("live u 3 1", streams.log);
+    unsigned char speech[] = "abc";
+    EXPECT_EQ(700u, m_manager.OpenLiveStream("user", 3, 1, out));
+    EXPECT_EQ("user", streams.LastUserText());
     m_manager.CloseLiveStream(11);
-    EXPECT_EQ("close live 11", streams.log);
-    EXPECT_EQ(12u, m_manager.OpenRecStream("u", 4, {2016, 1, 2}, {8, 30, 0}, 600, out));
-    EXPECT_EQ("rec u 4 2016 30 600", streams.log);
+    EXPECT_EQ(55u, m_manager.OpenRecStream("u", 4, {2016, 1, 2}, {8, 30, 0}, 600, out));
     m_manager.ClosePlayStream(12);
-    EXPECT_EQ("close play 12", streams.log);
-    EXPECT_EQ(13u, m_manager.OpenTalkBackStream("u"));
-    EXPECT_EQ("talk u", streams.log);
+    EXPECT_EQ(77u, m_manager.OpenTalkBackStream("u"));
     m_manager.CloseTalkBackStream(13);
-    EXPECT_EQ("close talk 13", streams.log);
-    unsigned char data[] = "abc";
-    EXPECT_EQ(14, m_manager.TalkBackStremInput(data, 3, 11));
-    EXPECT_EQ("input abc 11", streams.log);
+    EXPECT_EQ(0, m_manager.TalkBackStremInput(speech, 3, 11));
+    EXPECT_EQ("abc", streams.Speech());
+    EXPECT_EQ((std::vector<std::string>{"OpenLiveStream 3 1 0", "CloseLiveStream 11",
+                                        "OpenRecStream 4 2016-1-2 8:30:0 600 0", "ClosePlayStream 12",
+                                        "OpenTalkBackStream", "CloseTalkBackStream 13", "TalkBackStreamInput 3 11"}),
+              streams.Calls());
 }
 
 TEST_F(RTSP_DataManager, WithoutAHostNothingOpensAndEverybodyMustLogIn)

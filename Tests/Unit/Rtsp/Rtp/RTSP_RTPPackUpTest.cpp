@@ -41,7 +41,7 @@ std::string Nal(int header, std::size_t length)
 
 unsigned int Get16(const std::string& packet, std::size_t at)
 {
-    return (static_cast<unsigned char>(packet[at]) << 8) + static_cast<unsigned char>(packet[at + 1]);
+    return static_cast<unsigned char>(packet[at]) * 256u + static_cast<unsigned char>(packet[at + 1]);
 }
 
 unsigned int Get32(const std::string& packet, std::size_t at)
