@@ -143,13 +143,18 @@ def streams_of(url, transport):
 
 
 def packet_times(url, transport, seconds):
-    """Time stamps in seconds of the packets of each kind, as ffprobe gets them in some seconds of playing."""
+    """Time stamps in seconds of the packets of each kind, as ffprobe gets them in some seconds of playing.
+
+    ffprobe knows no time for the first picture: it waits for a second one to learn the order of decoding.
+    """
     result = probe(url, transport, "-show_entries", "packet=codec_type,pts_time,flags", "-read_intervals",
                    "%%+%d" % seconds)
     assert result.returncode == 0, result.stderr
     times = {"video": [], "audio": []}
     for packet in json.loads(result.stdout)["packets"]:
-        times[packet["codec_type"]].append(float(packet["pts_time"]))
+        known = times[packet["codec_type"]]
+        if "pts_time" in packet or known:
+            known.append(float(packet["pts_time"]))
     return times
 
 

@@ -12,8 +12,9 @@ class Rtspsrc(unittest.TestCase):
     def setUpClass(cls):
         cls.camera = cls.enterClassContext(Camera("--fps", str(FPS)))
 
-    def play(self, protocols):
-        times, output = gstreamer_times(self.camera.url(user=""), protocols, "admin", "admin", 100)
+    def play(self, protocols, scheme="rtsp:"):
+        url = self.camera.url(user="").replace("rtsp:", scheme)
+        times, output = gstreamer_times(url, protocols, "admin", "admin", 100)
         self.assertGreaterEqual(len(times["pictures"]), 100, output)
         self.assertGreaterEqual(len(times["sound"]), 50, output)
         self.assertNotIn("ERROR", output)
@@ -30,7 +31,7 @@ class Rtspsrc(unittest.TestCase):
         self.play("tcp")
 
     def test_plays_through_http(self):
-        self.play("http")
+        self.play("tcp+http", "rtsph:")
 
     def test_wrong_password_is_refused(self):
         times, output = gstreamer_times(self.camera.url(user=""), "tcp", "admin", "wrong", 1, limit=20)
