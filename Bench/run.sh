@@ -85,9 +85,28 @@ http() {
         --seconds 3 --server-pid "$HOST_PID" >"$OUT/$1.tsv"
 }
 
+# bare_http NAME BYTES CLIENTS: the HTTP load against a loop that accepts, reads, sends and closes.
+bare_http() {
+    stop_host
+    "$BIN/netserver-bench-bareloop" --way http --bytes "$2" >"$OUT/host.out" &
+    HOST_PID=$!
+    until grep -q '^ready ' "$OUT/host.out"; do
+        kill -0 "$HOST_PID"
+        sleep 0.1
+    done
+    HTTP_PORT=$(sed -n 's/^ready port=//p' "$OUT/host.out")
+    http "$1" / "$3"
+    stop_host
+}
+
 # figure NAME FIGURE: one value of a run.
 figure() {
     awk -F'\t' -v name="$2" '$1 == name {print $2; found = 1} END {exit !found}' "$OUT/$1.tsv"
+}
+
+# answer_bytes NAME: how long the answers of an HTTP run were.
+answer_bytes() {
+    figure "$1" answer_bytes | cut -d. -f1
 }
 
 # ratio A B
@@ -124,6 +143,9 @@ load stalled stalled --clients 16
 for clients in 1 8 64; do
     http http-file-$clients /f10k.html $clients
     http http-deviceinfo-$clients /GetDeviceInfo $clients
+done
+for what in file deviceinfo; do
+    bare_http bare-http-$what "$(answer_bytes http-$what-8)" 8
 done
 start_host "$VIDEO" --stamp
 load latency-tcp latency --transport tcp --clients 16
@@ -175,6 +197,7 @@ echo "  micro" >&2
             row "  $what, $clients clients" "$(figure $run requests_per_cpu_second | cut -d. -f1)" \
                 "p99 $(figure $run p99_ms), failed $(figure $run failed | cut -d. -f1), goal $([ $what = file ] && echo 25000 || echo 15000)"
         done
+        row "  $what, bare loop of as many bytes, 8 clients" "$(figure bare-http-$what requests_per_cpu_second | cut -d. -f1)"
     done
     row "Packetiser alone, ns a packet" "" ""
     awk -F'\t' 'NR > 1 && $7 > 0 {gsub(/"/, "", $1); printf "  %-56s %12.0f\n", $1, 1e9 / $7}' "$OUT/micro.tsv"
