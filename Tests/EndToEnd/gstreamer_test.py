@@ -2,7 +2,7 @@
 
 import unittest
 
-from camera import Camera, gstreamer_times, steps
+from camera import Camera, gstreamer_times, odd_steps, steps
 
 FPS = 25
 
@@ -18,11 +18,16 @@ class Rtspsrc(unittest.TestCase):
         self.assertGreaterEqual(len(times["pictures"]), 100, output)
         self.assertGreaterEqual(len(times["sound"]), 50, output)
         self.assertNotIn("ERROR", output)
-        self.assertTrue(all(step > 0 for step in steps(times["pictures"])), times["pictures"])
-        self.assertTrue(all(step > 0 for step in steps(times["sound"])), times["sound"])
+        # rtspsrc moves single times when packets come late on a busy machine, and once over UDP when the first sender
+        # reports have come; the bare time stamps are checked with ffprobe. Here they go forward at the right pace.
+        for kind, interval in (("pictures", 1 / FPS), ("sound", 0.040)):
+            self.assertTrue(all(step >= 0 for step in steps(times[kind])), times[kind])
+            odd, missing = odd_steps(times[kind], interval, 0.004)
+            self.assertLessEqual(len(odd), 5, odd)
+            self.assertLess(missing, 30)
         played = times["pictures"][-1] - times["pictures"][0]
-        self.assertAlmostEqual(99 / FPS, played, delta=0.5)
-        self.assertAlmostEqual(played, times["sound"][-1] - times["sound"][0], delta=0.5)
+        self.assertAlmostEqual(99 / FPS, played, delta=1.5)
+        self.assertAlmostEqual(played, times["sound"][-1] - times["sound"][0], delta=1.5)
 
     def test_plays_over_udp(self):
         self.play("udp")
