@@ -221,6 +221,9 @@ void CRTSP_Server::IncreasePort()
 
 int CRTSP_Server::BindUnicast(int sock)
 {
+    // Two UDP sockets that both reuse their address would get the same port without an error.
+    const int off = 0;
+    setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &off, sizeof(off));
     for (int attempt = 0; attempt < BIND_ATTEMPTS; ++attempt)
     {
         sockaddr_in address{};

@@ -8,6 +8,7 @@
 #include "RtspWorld.h"
 
 #include <arpa/inet.h>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -50,6 +51,12 @@ protected:
         const std::size_t begin = setupAnswer.find("server_port=");
         std::sscanf(setupAnswer.c_str() + begin, "server_port=%d-%d", &first, &second);
         return which == 0 ? first : second;
+    }
+
+    static int OpenDescriptors()
+    {
+        const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+        return static_cast<int>(std::distance(begin(descriptors), end(descriptors)));
     }
 
     RtspWorld world;
@@ -180,16 +187,23 @@ TEST_F(RtspUdp, WhatAClientSendsToTheLinksIsReadAndDropped)
 
 TEST_F(RtspUdp, AClientThatGoesTakesItsLinksAlong)
 {
-    Play();
-    const unsigned short port = static_cast<unsigned short>(ServerPort(0));
+    const int before = OpenDescriptors();
+    SetUpTrack(0);
+    EXPECT_EQ(before + 2, OpenDescriptors());
     peer.Close();
     world.Rounds(4);
-    const int sock = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    EXPECT_EQ(0, bind(sock, reinterpret_cast<const sockaddr*>(&address), sizeof(address)));
-    close(sock);
+    EXPECT_EQ(before - 2, OpenDescriptors()); // both ends of the connection
+}
+
+TEST_F(RtspUdp, NoTwoTracksShareAPort)
+{
+    SetUpTrack(0);
+    const int port = ServerPort(0);
+    while (world.server->NextPort() != port)
+        world.server->IncreasePort();
+    SetUpTrack(1);
+    EXPECT_NE(port, ServerPort(0));
+    EXPECT_NE(port, ServerPort(1));
 }
 
 // A client that asked for the frame first waits for a key frame and so keeps it from those behind it.

@@ -81,7 +81,8 @@ protected:
     {
         Write(devices);
         std::list<CPFHelper::__TNICInfo> list(1); // cleared
-        EXPECT_EQ(FindNICs(m_sources, list), static_cast<int>(list.size()));
+        const int count = FindNICs(m_sources, list);
+        EXPECT_EQ(count, static_cast<int>(list.size()));
         return list;
     }
 
@@ -89,7 +90,8 @@ protected:
     {
         Write(devices);
         std::list<CPFHelper::__TNICInfo> list;
-        EXPECT_EQ(FindSocketEnabledNICs(m_sources, list), static_cast<int>(list.size()));
+        const int count = FindSocketEnabledNICs(m_sources, list);
+        EXPECT_EQ(count, static_cast<int>(list.size()));
         return Names(list);
     }
 
@@ -290,8 +292,10 @@ TEST(PFHelperNIC, ListsWhatTheMachineHas)
 {
     std::list<CPFHelper::__TNICInfo> all;
     std::list<CPFHelper::__TNICInfo> enabled;
-    EXPECT_EQ(CPFHelper::GetNICList(all), static_cast<int>(all.size()));
-    EXPECT_EQ(CPFHelper::GetSocketEnabled_NICList(enabled), static_cast<int>(enabled.size()));
+    const int allCount = CPFHelper::GetNICList(all);
+    const int enabledCount = CPFHelper::GetSocketEnabled_NICList(enabled);
+    EXPECT_EQ(allCount, static_cast<int>(all.size()));
+    EXPECT_EQ(enabledCount, static_cast<int>(enabled.size()));
     EXPECT_LE(enabled.size(), all.size());
     for (const CPFHelper::__TNICInfo& info : enabled)
     {

@@ -68,7 +68,7 @@ TEST_P(PFFileCreation, OpensEmptiesAndCreates)
 }
 
 INSTANTIATE_TEST_SUITE_P(PFFile, PFFileCreation, testing::ValuesIn(CREATION_CASES),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 TEST(PFFile, AccessOfOneOrNoneIsForReading)
 {

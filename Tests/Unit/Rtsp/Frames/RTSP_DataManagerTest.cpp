@@ -36,13 +36,13 @@ const std::string KEY_FRAME = Bytes("\0\0\0\1\x67\x42\0\x1F"
 const std::string P_FRAME = Bytes("\0\0\0\1\x41slice", 10);
 
 // A host that says how many users it has, whether the list took them or not.
-class Device : public FakeDevice
+class Device : public CFakeDevice
 {
 public:
     NETNS::DEV_RET GetUserList(NETNS::DEV_USER_INFO* list, int max, int& count) override
     {
         askedFor = max;
-        FakeDevice::GetUserList(list, max, count);
+        CFakeDevice::GetUserList(list, max, count);
         if (reportedCount != 0)
             count = reportedCount;
         return NETNS::DEV_RET_OK;
@@ -313,6 +313,7 @@ TEST_F(RTSP_DataManager, AuthorizationIsTheHostsChoice)
     FakeStreamCtrl streams;
     Device device;
     m_manager.Init(&streams, &device);
+    device.needAuthorization = false;
     EXPECT_FALSE(m_manager.NeedAuthorization());
     device.needAuthorization = true;
     EXPECT_TRUE(m_manager.NeedAuthorization());
