@@ -8,7 +8,7 @@ import tempfile
 import time
 import unittest
 
-from camera import CAMERA, Camera, decode, free_ports, odd_steps, packet_times, run, streams_of
+from camera import CAMERA, Camera, decode, free_ports, odd_steps, played_times, run, streams_of
 
 SMALL = ("--size", "320x240", "--fps", "15")
 
@@ -91,7 +91,7 @@ class Serving(unittest.TestCase):
     def test_compat_plays_with_the_old_audio_clock(self):
         with Camera(*SMALL, "--compat") as camera:
             self.assertEqual((0, ""), decode(camera.url(), "tcp", 30))
-            sound = packet_times(camera.url(), "tcp", 2)["audio"]
+            sound = played_times(camera.url(), "tcp", 2)["audio"]
             self.assertGreaterEqual(len(sound), 30)
             self.assertEqual({sound[0]}, set(sound), "every sound packet carries the same time stamp")
             # Methods count by their first letters.
@@ -145,7 +145,7 @@ class Sources(unittest.TestCase):
         # The file lasts a second: five seconds hold several beginnings.
         with Camera(*SMALL, "--source", "file:" + path) as camera:
             self.assertEqual((0, ""), decode(camera.url(), "tcp", 30))
-            times = packet_times(camera.url(), "tcp", 5)
+            times = played_times(camera.url(), "tcp", 5)
             self.assertGreaterEqual(len(times["video"]), 60)
             odd, missing = odd_steps(times["video"], 1 / 15, 0.004)
             self.assertEqual([], odd)
