@@ -10,7 +10,7 @@
 #include <list>
 #include <map>
 
-enum ThreadPriority
+enum ThreadPriority : int
 {
     THREAD_PRIORITY_HEAD = 0, ///< in front of the waiting tasks, as any value but 1
     THREAD_PRIORITY_TAIL = 1, ///< behind the waiting tasks

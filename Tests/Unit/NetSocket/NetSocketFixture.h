@@ -2,6 +2,7 @@
 #pragma once
 
 #include "NetSocket.h"
+#include "Peer.h"
 #include "TcpPeer.h"
 
 #include <chrono>

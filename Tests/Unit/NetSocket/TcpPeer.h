@@ -1,4 +1,6 @@
-// TcpPeer.h: the other end of a connection, for tests. Blocking, with a limit of ten seconds for each call.
+// TcpPeer.h: the other end of a connection, accepted or connected, down to its socket: buffers, resets, backlogs.
+//
+// Blocking, with a limit of ten seconds for each call.
 #pragma once
 
 #include <functional>
@@ -68,9 +70,6 @@ private:
     TcpAcceptor m_acceptor;
     int m_fillers[FILLERS];
 };
-
-/// @return a port on which nobody listens
-unsigned short FreePort();
 
 /// Waits until the condition holds, ten seconds at most. @return whether it holds
 bool Eventually(const std::function<bool()>& condition);

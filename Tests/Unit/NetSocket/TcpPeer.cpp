@@ -185,12 +185,6 @@ StalledPort::~StalledPort()
     }
 }
 
-unsigned short FreePort()
-{
-    TcpAcceptor acceptor;
-    return acceptor.Port();
-}
-
 bool Eventually(const std::function<bool()>& condition)
 {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
