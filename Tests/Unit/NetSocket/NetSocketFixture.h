@@ -92,6 +92,16 @@ private:
     std::chrono::steady_clock::time_point m_began = std::chrono::steady_clock::now();
 };
 
+/// Ends the service, and with it every callback, before the observers declared in front of it go.
+class QuitAtEnd
+{
+public:
+    QuitAtEnd() = default;
+    ~QuitAtEnd() { NET_SOCKET_Quit(); }
+    QuitAtEnd(const QuitAtEnd&) = delete;
+    QuitAtEnd& operator=(const QuitAtEnd&) = delete;
+};
+
 /// The service is up for each test.
 class NetSocketFixture : public testing::Test
 {

@@ -35,6 +35,7 @@ public:
 TEST_F(NetSocketListen, CallbackGetsHandlePortAndPeersAddress)
 {
     AcceptQueue queue;
+    const QuitAtEnd quit;
     const unsigned short port = Listen(queue);
     ASSERT_NE(0, port);
     TcpPeer peer = TcpPeer::Connect(port);
@@ -52,6 +53,7 @@ TEST_F(NetSocketListen, CallbackGetsHandlePortAndPeersAddress)
 TEST_F(NetSocketListen, LocalAddressIsTheOneAskedFor)
 {
     AcceptQueue queue;
+    const QuitAtEnd quit;
     ASSERT_TRUE(NET_SOCKET_StartListen(0, &queue, inet_addr("127.0.0.2"), true));
     EXPECT_FALSE(TcpPeer::Connect(NET_SOCKET_GetListenPort(&queue)).IsOpen());
 }
@@ -59,6 +61,7 @@ TEST_F(NetSocketListen, LocalAddressIsTheOneAskedFor)
 TEST_F(NetSocketListen, PortThatIsTakenFails)
 {
     AcceptQueue queue;
+    const QuitAtEnd quit;
     const unsigned short port = Listen(queue);
     EXPECT_FALSE(NET_SOCKET_StartListen(port, &queue, 0, true));
     TcpAcceptor other;
@@ -75,6 +78,7 @@ TEST_F(NetSocketListen, PortOfAnUnknownObserverIsZero)
 TEST_F(NetSocketListen, StoppedPortRefusesAndCanBeOpenedAgainAtOnce)
 {
     AcceptQueue queue;
+    const QuitAtEnd quit;
     const unsigned short port = Listen(queue);
     TcpPeer peer = TcpPeer::Connect(port);
     const int handle = queue.Take().handle;
@@ -93,8 +97,9 @@ TEST_F(NetSocketListen, StoppedPortRefusesAndCanBeOpenedAgainAtOnce)
 TEST_F(NetSocketListen, EightSilentPeersDelayNeitherTheirPortNorAnother)
 {
     WaitingObserver waiting;
-    const unsigned short waitingPort = Listen(waiting);
     AcceptQueue queue;
+    const QuitAtEnd quit;
+    const unsigned short waitingPort = Listen(waiting);
     const unsigned short otherPort = Listen(queue);
     std::vector<TcpPeer> peers;
     for (int i = 0; i < 8; ++i)
@@ -114,6 +119,7 @@ TEST_F(NetSocketListen, EightSilentPeersDelayNeitherTheirPortNorAnother)
 TEST_F(NetSocketListen, AtMostSixteenCallbacksOfAPortRunAtOnce)
 {
     WaitingObserver waiting;
+    const QuitAtEnd quit;
     const unsigned short port = Listen(waiting);
     std::vector<TcpPeer> peers;
     for (int i = 0; i < 40; ++i)
@@ -148,6 +154,7 @@ public:
 TEST_F(NetSocketListen, AtMost256ConnectionsAreOpenAndTheRestIsServedInTurn)
 {
     CountingObserver counting;
+    const QuitAtEnd quit;
     const unsigned short port = Listen(counting);
     std::vector<TcpPeer> peers;
     for (int i = 0; i < 300; ++i)
@@ -169,6 +176,7 @@ TEST_F(NetSocketListen, AtMost256ConnectionsAreOpenAndTheRestIsServedInTurn)
 TEST_F(NetSocketListen, StopWaitsForARunningCallback)
 {
     WaitingObserver waiting;
+    const QuitAtEnd quit;
     const unsigned short port = Listen(waiting);
     TcpPeer peer = TcpPeer::Connect(port);
     EXPECT_TRUE(Eventually([&] { return waiting.m_entered == 1; }));
@@ -204,12 +212,13 @@ public:
 TEST_F(NetSocketListen, CallbackMayStopItsOwnPort)
 {
     const auto observer = std::make_unique<StoppingObserver>();
+    AcceptQueue queue;
+    const QuitAtEnd quit;
     const unsigned short port = Listen(*observer);
     TcpPeer peer = TcpPeer::Connect(port);
     observer->m_done.Await();
     EXPECT_TRUE(observer->m_result);
     EXPECT_FALSE(TcpPeer::Connect(port).IsOpen());
-    AcceptQueue queue;
     EXPECT_TRUE(NET_SOCKET_StartListen(port, &queue, 0, true));
 }
 
@@ -217,6 +226,7 @@ TEST_F(NetSocketListen, CallbacksOfTwoPortsMayStopEachOther)
 {
     StoppingObserver first;
     StoppingObserver second;
+    const QuitAtEnd quit;
     const unsigned short firstPort = Listen(first);
     const unsigned short secondPort = Listen(second);
     first.m_other = secondPort;
@@ -225,7 +235,6 @@ TEST_F(NetSocketListen, CallbacksOfTwoPortsMayStopEachOther)
     TcpPeer onSecond = TcpPeer::Connect(secondPort);
     // Whichever runs first may end the other before its callback begins: at least one stop succeeds.
     EXPECT_TRUE(Eventually([&] { return first.m_done.IsOpen() || second.m_done.IsOpen(); }));
-    NET_SOCKET_Quit(); // the other callback has ended too
     EXPECT_TRUE(first.m_result || second.m_result);
 }
 
@@ -291,6 +300,7 @@ bool IsServed(AcceptQueue& queue, const std::string& text)
 TEST_F(NetSocketListen, WithoutDescriptorsPeersAreClosedAndLaterOnesAreServed)
 {
     AcceptQueue queue;
+    const QuitAtEnd quit;
     const unsigned short port = Listen(queue);
     TcpPeer first = TcpPeer::Connect(port);
     EXPECT_GT(queue.Take().handle, 0);
@@ -325,6 +335,7 @@ TEST_F(NetSocketListen, WithoutDescriptorsPeersAreClosedAndLaterOnesAreServed)
 TEST_F(NetSocketListen, WithoutEvenAReserveDescriptorPeersWait)
 {
     AcceptQueue queue;
+    const QuitAtEnd quit;
     const unsigned short port = Listen(queue);
     TcpPeer first = TcpPeer::Connect(port);
     EXPECT_GT(queue.Take().handle, 0);
@@ -345,6 +356,7 @@ TEST_F(NetSocketListen, WithoutEvenAReserveDescriptorPeersWait)
 TEST_F(NetSocketListen, ThousandsOfConnectsAndDisconnects)
 {
     AcceptQueue queue;
+    const QuitAtEnd quit;
     const unsigned short port = Listen(queue);
     for (int i = 0; i < 3000; ++i)
     {
