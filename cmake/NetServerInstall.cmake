@@ -16,5 +16,7 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/NetServerConfigVersion.c
 install(FILES "${PROJECT_BINARY_DIR}/NetServerConfig.cmake" "${PROJECT_BINARY_DIR}/NetServerConfigVersion.cmake"
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/NetServer)
 
+# Relative to itself, so that the tree may be moved.
+file(RELATIVE_PATH NETSERVER_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/netserver.pc.in "${PROJECT_BINARY_DIR}/netserver.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/netserver.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -14,3 +14,8 @@ elseif(NOT NETSERVER_SANITIZE STREQUAL "")
 endif()
 target_compile_options(netserver_options INTERFACE ${NETSERVER_SANITIZE_FLAGS})
 target_link_options(netserver_options INTERFACE ${NETSERVER_SANITIZE_FLAGS})
+
+# The fuzzer sees which code an input reaches.
+if(NETSERVER_BUILD_FUZZ)
+  target_compile_options(netserver_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()

@@ -2,7 +2,8 @@
 //
 // A library of its own (target netsocket), so that a device maker can link another implementation of this header.
 //
-// Connections are known by positive `int` handles that are never used twice in a process. Every operation on a handle
+// Connections are known by positive `int` handles. A handle is not used again for long (some thousand million
+// connections while few are open), so a stale one does not mean somebody else's connection. Every operation on a handle
 // that is unknown or stale fails cleanly, with the broken flag set where there is one. Unless said otherwise an
 // operation may be called from any thread, and after NET_SOCKET_Quit all of them fail fast until the next
 // NET_SOCKET_Initial.
@@ -60,19 +61,24 @@ bool NET_SOCKET_StartListen(unsigned short port, CListenSocketObserver* observer
 /// thread it was called. Accepted connections stay. @return false when the port has no listener
 bool NET_SOCKET_StopListen(unsigned short port);
 
+/// @return the port of a listener of this observer, the lowest if there are several; 0 for none
+unsigned short NET_SOCKET_GetListenPort(const CListenSocketObserver* observer);
+
 /// Reads what is there, without waiting.
 /// @param broken  set when the connection is broken, closed by the peer or unknown; otherwise left alone. Data and the
-///                peer's closing are told by separate calls, so that a request in front of a half-close can be answered.
+///                peer's closing are told by separate calls, so that a request in front of a half-close can be
+///                answered.
 /// @return bytes read; 0 or less when there is nothing
 int NET_SOCKET_Recv_Immediate(int handle, char* buffer, int length, bool* broken);
 
 /// Waits until a read would bring data or the closing of the connection.
-/// @return true when it would; false when `timeoutMs` has passed
+/// @return true when it would, and at once for a handle that is unknown: the read tells; false when `timeoutMs` has
+/// passed
 bool NET_SOCKET_WaitRecv(int handle, unsigned int timeoutMs);
 
 /// Sends what the connection takes. While an outgoing connect is under way it waits for it, so that connect, send and
-/// destroy in a row deliver, one second at most counted from the start of the connect. When the peer's window is shut it
-/// waits up to 100 ms.
+/// destroy in a row deliver, one second at most counted from the start of the connect; then it gives the connect up.
+/// When the peer's window is shut it waits up to 100 ms.
 /// @param broken  set when the connection is broken or unknown, or the connect failed; otherwise left alone
 /// @return bytes taken, 0 or less when none
 int NET_SOCKET_Send_Immediate(int handle, const char* data, int length, bool& broken);

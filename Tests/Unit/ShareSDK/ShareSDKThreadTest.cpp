@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -151,60 +152,54 @@ TEST(ShareSDKThread, HandlesAreNotUsedAgainSoon)
     }
 }
 
-struct SelfDestroyer
-{
-    unsigned int handle = 0;
-    std::atomic<bool> result{false};
-    Gate done;
-};
-
-TEST(ShareSDKThread, ThreadThatDestroysItselfIsDetached)
-{
-    static SelfDestroyer self; // the detached thread may still be leaving when the test ends
-    self.handle = Create(
-        [](void* argument)
-        {
-            auto* own = static_cast<SelfDestroyer*>(argument);
-            own->result = Destroy(own->handle);
-            own->done.Open();
-        },
-        &self, true);
-    SHARESDK_ResumeThread(self.handle);
-    self.done.Await();
-    EXPECT_TRUE(self.result);
-    EXPECT_FALSE(Destroy(self.handle));
-}
-
+/// What a detached thread uses: shared with it, since it may still be leaving when the test ends.
 struct Destroyer
 {
-    const unsigned int* target = nullptr;
+    unsigned int target = 0;
+    Gate mayDestroy;
     std::atomic<bool> result{false};
     Gate left;
 };
 
-// Each waits for the other's end; whoever closes the circle goes on at once, so both end.
-TEST(ShareSDKThread, TwoThreadsThatDestroyEachOtherBothEnd)
+/// Creates a suspended thread that destroys `destroyer->target`.
+unsigned int CreateDestroyer(const std::shared_ptr<Destroyer>& destroyer)
 {
     const auto destroyTarget = [](void* argument)
     {
-        auto* own = static_cast<Destroyer*>(argument);
-        own->result = Destroy(*own->target);
-        own->left.Open();
+        const std::unique_ptr<std::shared_ptr<Destroyer>> own(static_cast<std::shared_ptr<Destroyer>*>(argument));
+        (*own)->mayDestroy.Await();
+        (*own)->result = Destroy((*own)->target);
+        (*own)->left.Open();
     };
-    static Destroyer first; // a detached thread may still be leaving when the test ends
-    static Destroyer second;
-    static unsigned int firstHandle;
-    static unsigned int secondHandle;
-    firstHandle = Create(destroyTarget, &first, true);
-    secondHandle = Create(destroyTarget, &second, true);
-    first.target = &secondHandle;
-    second.target = &firstHandle;
-    SHARESDK_ResumeThread(firstHandle);
-    SHARESDK_ResumeThread(secondHandle);
-    first.left.Await();
-    second.left.Await();
-    EXPECT_TRUE(first.result);
-    EXPECT_TRUE(second.result);
+    return Create(destroyTarget, new std::shared_ptr<Destroyer>(destroyer), true);
+}
+
+TEST(ShareSDKThread, ThreadThatDestroysItselfIsDetached)
+{
+    const auto self = std::make_shared<Destroyer>();
+    self->target = CreateDestroyer(self);
+    SHARESDK_ResumeThread(self->target);
+    self->mayDestroy.Open();
+    self->left.Await();
+    EXPECT_TRUE(self->result);
+    EXPECT_FALSE(Destroy(self->target));
+}
+
+// Each waits for the other's end; whoever closes the circle goes on at once, so both end.
+TEST(ShareSDKThread, TwoThreadsThatDestroyEachOtherBothEnd)
+{
+    const auto first = std::make_shared<Destroyer>();
+    const auto second = std::make_shared<Destroyer>();
+    second->target = CreateDestroyer(first);
+    first->target = CreateDestroyer(second);
+    SHARESDK_ResumeThread(first->target);
+    SHARESDK_ResumeThread(second->target);
+    first->mayDestroy.Open();
+    second->mayDestroy.Open();
+    first->left.Await();
+    second->left.Await();
+    EXPECT_TRUE(first->result);
+    EXPECT_TRUE(second->result);
 }
 
 struct Rivals

@@ -1,0 +1,303 @@
+#include "CameraOptions.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cstdio>
+#include <ostream>
+#include <set>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr unsigned int MIN_SIDE = 64;
+constexpr unsigned int MAX_SIDE = 4096;
+
+/// The texts as typed, before they are taken apart.
+struct RawArguments
+{
+    std::string source = "test";
+    std::string size = "1280x720";
+    std::vector<std::string> users;
+    bool noRtspAuth = false;
+};
+
+bool StartsWith(const std::string& text, const char* prefix)
+{
+    return text.rfind(prefix, 0) == 0;
+}
+
+bool IsKind(const std::string& path, mode_t kind)
+{
+    struct stat info = {};
+    return stat(path.c_str(), &info) == 0 && (info.st_mode & S_IFMT) == kind;
+}
+
+bool IsPlain(char c)
+{
+    return c > ' ' && c < 0x7f;
+}
+
+std::string TakeFile(const std::string& path, CameraOptions& options)
+{
+    if (!IsKind(path, S_IFREG) || access(path.c_str(), R_OK) != 0)
+    {
+        return "--source: cannot read the file '" + path + "'";
+    }
+    options.source = SourceKind::File;
+    options.location = path;
+    return {};
+}
+
+std::string TakeDevice(const std::string& path, CameraOptions& options)
+{
+    if (path.empty())
+    {
+        return "--source: v4l2: needs a device, like v4l2:/dev/video0";
+    }
+    options.source = SourceKind::V4l2;
+    options.location = path;
+    return {};
+}
+
+std::string TakeSource(const std::string& text, CameraOptions& options)
+{
+    if (text == "test")
+    {
+        options.source = SourceKind::Test;
+        options.location.clear();
+        return {};
+    }
+    if (StartsWith(text, "file:"))
+    {
+        return TakeFile(text.substr(5), options);
+    }
+    if (StartsWith(text, "v4l2:"))
+    {
+        return TakeDevice(text.substr(5), options);
+    }
+    if (StartsWith(text, "rtsp://") && text.size() > 7)
+    {
+        options.source = SourceKind::Rtsp;
+        options.location = text;
+        return {};
+    }
+    return "--source: '" + text + "' is none of test, file:PATH, v4l2:DEVICE, rtsp://...";
+}
+
+std::string TakeSize(const std::string& text, CameraOptions& options)
+{
+    unsigned int width = 0;
+    unsigned int height = 0;
+    int used = 0;
+    const bool read = std::sscanf(text.c_str(), "%5ux%5u%n", &width, &height, &used) == 2;
+    if (!read || static_cast<std::size_t>(used) != text.size())
+    {
+        return "--size: '" + text + "' is not of the form 1280x720";
+    }
+    const auto fits = [](unsigned int side)
+    {
+        return side >= MIN_SIDE && side <= MAX_SIDE && side % 4 == 0;
+    };
+    if (!fits(width) || !fits(height))
+    {
+        return "--size: both sides must be multiples of 4 from 64 to 4096, not " + text;
+    }
+    options.width = width;
+    options.height = height;
+    return {};
+}
+
+// A double quote would end the name in the header of an RTSP login, a colon in that of an HTTP login.
+std::string NameProblem(const std::string& name)
+{
+    if (name.empty() || name.size() > MAX_CREDENTIAL_LENGTH)
+    {
+        return "a user name has 1 to 19 characters";
+    }
+    const auto usable = [](char c)
+    {
+        return IsPlain(c) && c != '"' && c != ':';
+    };
+    if (!std::all_of(name.begin(), name.end(), usable))
+    {
+        return "a user name is made of printable ASCII characters without blanks, double quotes and colons";
+    }
+    return {};
+}
+
+std::string TakeUser(const std::string& text, std::vector<CameraUser>& users)
+{
+    const std::size_t colon = text.find(':');
+    if (colon == std::string::npos)
+    {
+        return "--user: the argument is not of the form NAME:PASSWORD";
+    }
+    const CameraUser user{text.substr(0, colon), text.substr(colon + 1)};
+    const std::string nameProblem = NameProblem(user.name);
+    const std::string problem = nameProblem.empty() ? PasswordProblem(user.password) : nameProblem;
+    if (!problem.empty())
+    {
+        return "--user: " + problem;
+    }
+    users.push_back(user);
+    return {};
+}
+
+std::string TakeUsers(const std::vector<std::string>& texts, CameraOptions& options)
+{
+    if (texts.empty())
+    {
+        return {};
+    }
+    if (texts.size() > MAX_CAMERA_USERS)
+    {
+        return "--user: at most 7 users";
+    }
+    options.users.clear();
+    std::set<std::string> names;
+    for (const std::string& text : texts)
+    {
+        const std::string problem = TakeUser(text, options.users);
+        if (!problem.empty())
+        {
+            return problem;
+        }
+        if (!names.insert(options.users.back().name).second)
+        {
+            return "--user: the name '" + options.users.back().name + "' is given twice";
+        }
+    }
+    return {};
+}
+
+std::string CheckTheRest(const CameraOptions& options)
+{
+    if (options.httpPort == options.rtspPort)
+    {
+        return "--http-port and --rtsp-port must differ";
+    }
+    if (!options.webRoot.empty() && !IsKind(options.webRoot, S_IFDIR))
+    {
+        return "--web-root: no directory '" + options.webRoot + "'";
+    }
+    return {};
+}
+
+std::string TakeAll(const RawArguments& raw, CameraOptions& options)
+{
+    options.rtspAuth = !raw.noRtspAuth;
+    std::string problem = TakeSource(raw.source, options);
+    if (problem.empty())
+    {
+        problem = TakeSize(raw.size, options);
+    }
+    if (problem.empty())
+    {
+        problem = TakeUsers(raw.users, options);
+    }
+    return problem.empty() ? CheckTheRest(options) : problem;
+}
+
+void Describe(CLI::App& app, CameraOptions& options, RawArguments& raw)
+{
+    app.add_option("--http-port", options.httpPort, "Port of the web page and the XML API")
+        ->type_name("N")
+        ->check(CLI::Range(1, 65535).description(""))
+        ->capture_default_str()
+        ->group("Network");
+    app.add_option("--rtsp-port", options.rtspPort, "Port of the live streams (RTSP)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 65535).description(""))
+        ->capture_default_str()
+        ->group("Network");
+    app.add_option("--web-root", options.webRoot, "Directory of the web pages, in place of the built-in ones")
+        ->type_name("DIR")
+        ->group("Network");
+    app.add_option("--data-dir", options.dataDir,
+                   "Directory of the settings; made when missing\n[~/.local/state/netserver-camera]")
+        ->type_name("DIR")
+        ->group("Network");
+
+    app.add_option("--source", raw.source, "Where the pictures come from:\ntest | file:PATH | v4l2:DEVICE | rtsp://...")
+        ->type_name("SOURCE")
+        ->capture_default_str()
+        ->group("Pictures");
+    app.add_option("--size", raw.size, "Size of the main stream; the sub stream has half of it")
+        ->type_name("WxH")
+        ->capture_default_str()
+        ->group("Pictures");
+    app.add_option("--fps", options.fps, "Frames per second")
+        ->type_name("N")
+        ->check(CLI::Range(1, 60).description(""))
+        ->capture_default_str()
+        ->group("Pictures");
+    app.add_option("--bitrate", options.bitrate, "Bit rate of the main stream")
+        ->type_name("KBIT")
+        ->check(CLI::Range(16, 100000).description(""))
+        ->capture_default_str()
+        ->group("Pictures");
+    app.add_option("--gop", options.gop, "Frames from one key frame to the next")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1000).description(""))
+        ->capture_default_str()
+        ->group("Pictures");
+    app.add_option("--channels", options.channels, "Channels; all show the same source")
+        ->type_name("N")
+        ->check(CLI::Range(1U, MAX_CAMERA_CHANNELS).description(""))
+        ->capture_default_str()
+        ->group("Pictures");
+
+    app.add_option("--user", raw.users, "A user who may log in; repeatable, up to 7 times\n[admin:admin]")
+        ->type_name("NAME:PASSWORD")
+        ->allow_extra_args(false)
+        ->group("Clients");
+    app.add_flag("--no-rtsp-auth", raw.noRtspAuth, "RTSP clients need not log in")->group("Clients");
+    app.add_flag("--compat", options.compat, "Keep the RTSP oddities that old clients may lean on")->group("Clients");
+}
+
+} // namespace
+
+std::string PasswordProblem(const std::string& password)
+{
+    if (password.empty() || password.size() > MAX_CREDENTIAL_LENGTH)
+    {
+        return "a password has 1 to 19 characters";
+    }
+    if (!std::all_of(password.begin(), password.end(), IsPlain))
+    {
+        return "a password is made of printable ASCII characters without blanks";
+    }
+    return {};
+}
+
+CommandLine ParseCommandLine(int argc, const char* const* argv, CameraOptions& options, std::ostream& out,
+                             std::ostream& err)
+{
+    CLI::App app("A network camera in software: web page and XML API over HTTP, live H.264 and G.711 over RTSP.",
+                 "netserver-camera");
+    app.set_help_flag("-h,--help", "Print this text and exit");
+    app.get_formatter()->column_width(28);
+    RawArguments raw;
+    Describe(app, options, raw);
+    try
+    {
+        app.parse(argc, argv);
+    }
+    catch (const CLI::ParseError& error)
+    {
+        const bool wanted = error.get_exit_code() == 0;
+        app.exit(error, out, err);
+        return wanted ? CommandLine::Done : CommandLine::Bad;
+    }
+    const std::string problem = TakeAll(raw, options);
+    if (!problem.empty())
+    {
+        err << problem << "\nRun with --help for more information.\n";
+        return CommandLine::Bad;
+    }
+    return CommandLine::Run;
+}

@@ -1,0 +1,59 @@
+// main.cpp: the program netserver-camera.
+
+#include "Camera.h"
+#include "CameraOptions.h"
+
+#include <gst/gst.h>
+
+#include <cstdio>
+#include <iostream>
+
+#include <signal.h>
+#include <unistd.h>
+
+namespace
+{
+
+/// Standard output carries one line only. What the libraries print there goes to standard error.
+/// @return a descriptor of the real standard output
+int SetStandardOutputApart()
+{
+    std::fflush(stdout);
+    const int real = dup(STDOUT_FILENO);
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    return real;
+}
+
+/// Blocks the stop signals in this thread and in all that it starts. A client that goes away in the middle of an
+/// answer shall not end the process.
+sigset_t TakeSignals()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    signal(SIGPIPE, SIG_IGN);
+    return signals;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    CameraOptions options;
+    switch (ParseCommandLine(argc, argv, options, std::cout, std::cerr))
+    {
+    case CommandLine::Done:
+        return 0;
+    case CommandLine::Bad:
+        return 2;
+    case CommandLine::Run:
+        break;
+    }
+    const sigset_t stopSignals = TakeSignals();
+    const int readyFd = SetStandardOutputApart();
+    gst_init(nullptr, nullptr);
+    CCamera camera(options, stopSignals);
+    return camera.Run(readyFd);
+}

@@ -1,0 +1,307 @@
+// netserver-bench-host: serves one H.264 file at its frame rate, looped, without an encoder.
+//
+// The main thread waits for the end; one thread feeds the frames.
+#include "BenchTools.h"
+#include "FakeDevice.h"
+#include "FrameStamp.h"
+#include "H264File.h"
+#include "LocalPorts.h"
+#include "NetServerSDK.h"
+
+#include <getopt.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace
+{
+constexpr unsigned int CHANNEL = 1;
+constexpr int STREAM = 0;
+constexpr unsigned int SILENT_CHANNEL = 2; // never fed: a DESCRIBE of it waits
+constexpr std::size_t PAGE_BYTES = 10240;
+constexpr unsigned int AUDIO_CHUNK_MS = 40;
+constexpr std::size_t AUDIO_CHUNK_BYTES = 320; // 40 ms at 8000 Hz
+
+const char USAGE[] = "usage: netserver-bench-host --file FILE [--fps N] --http-port N --rtsp-port N\n"
+                     "                            [--audio] [--no-rtsp-auth] [--compat] [--stamp]\n"
+                     "  --file FILE      H.264 in Annex B form, one slice a picture; served as /live/ch1/main\n"
+                     "  --fps N          its frame rate (25)\n"
+                     "  --audio          a G.711 A-law track of silence\n"
+                     "  --no-rtsp-auth   RTSP without a login (otherwise admin:admin)\n"
+                     "  --compat         without the policy of standard RTSP\n"
+                     "  --stamp          write the time into each frame, for the latency benchmark\n";
+
+struct Options
+{
+    std::string file;
+    unsigned int fps = 25;
+    unsigned int httpPort = 0;
+    unsigned int rtspPort = 0;
+    bool audio = false;
+    bool auth = true;
+    bool compat = false;
+    bool stamp = false;
+};
+
+class Device : public FakeDevice
+{
+public:
+    explicit Device(bool auth)
+    {
+        needAuthorization = auth;
+        NETNS::DEV_USER_INFO user = {};
+        snprintf(user.userName, sizeof(user.userName), "admin");
+        snprintf(user.password, sizeof(user.password), "admin");
+        users.push_back(user);
+    }
+
+    NETNS::DEV_RET GetDevInfo(const char*, NETNS::DEV_DEVICE_INFO* info) override
+    {
+        snprintf(info->model, sizeof(info->model), "Bench");
+        snprintf(info->brand, sizeof(info->brand), "Netserver");
+        snprintf(info->description, sizeof(info->description), "Benchmark host");
+        snprintf(info->softwareVersion, sizeof(info->softwareVersion), "1.0");
+        info->softwareBuildDate = {2024, 1, 1};
+        snprintf(info->kernelVersion, sizeof(info->kernelVersion), "1.0");
+        snprintf(info->hardwareVersion, sizeof(info->hardwareVersion), "1.0");
+        return NETNS::DEV_RET_OK;
+    }
+};
+
+class Streams : public CStreamCtrl
+{
+public:
+    unsigned int OpenLiveStream(const char*, unsigned int, int, unsigned int&) override { return 1; }
+    int StreamReserved() override { return 0; }
+    void CloseLiveStream(unsigned int) override {}
+    unsigned int OpenRecStream(const char*, unsigned int, const NETNS::DEV_DATE&, const NETNS::DEV_TIME&, unsigned int,
+                               unsigned int&) override
+    {
+        return 0;
+    }
+    void ClosePlayStream(unsigned int) override {}
+    unsigned int OpenTalkBackStream(const char*) override { return 0; }
+    void CloseTalkBackStream(unsigned int) override {}
+    int TalkBackStreamInput(unsigned char*, int, int) override { return 0; }
+};
+
+// A directory with the page in it, gone when the program ends.
+class WebRoot
+{
+public:
+    WebRoot()
+    {
+        Require(mkdtemp(m_path) != nullptr, "web root");
+        std::ofstream page(Page(), std::ios::binary);
+        page << std::string(PAGE_BYTES, 'x');
+    }
+    ~WebRoot()
+    {
+        unlink(Page().c_str());
+        rmdir(m_path);
+    }
+    WebRoot(const WebRoot&) = delete;
+    WebRoot& operator=(const WebRoot&) = delete;
+
+    const char* Path() const { return m_path; }
+
+private:
+    std::string Page() const { return std::string(m_path) + "/f10k.html"; }
+
+    char m_path[32] = "/tmp/netserver-bench-XXXXXX";
+};
+
+// Feeds the frames at their times, which go on without a jump where the file begins again.
+class Feeder
+{
+public:
+    Feeder(std::vector<H264Frame> frames, const Options& options)
+        : m_frames(std::move(frames)), m_options(options), m_thread([this] { Run(); })
+    {
+    }
+    ~Feeder()
+    {
+        m_stop = true;
+        m_thread.join();
+    }
+    Feeder(const Feeder&) = delete;
+    Feeder& operator=(const Feeder&) = delete;
+
+private:
+    void Run()
+    {
+        const std::uint64_t startNs = NowNs();
+        std::uint64_t chunks = 0;
+        for (std::uint64_t n = 0; !m_stop; ++n)
+        {
+            const std::uint64_t timeUs = n * 1000000u / m_options.fps;
+            SleepUntilNs(startNs + timeUs * 1000u);
+            Video(m_frames[n % m_frames.size()], timeUs);
+            for (; m_options.audio && chunks * AUDIO_CHUNK_MS * 1000u <= timeUs; ++chunks)
+                Audio(chunks * AUDIO_CHUNK_MS * 1000u);
+        }
+    }
+
+    void Video(H264Frame& frame, std::uint64_t timeUs)
+    {
+        NETNS::RTSP_FRAME info = {};
+        info.frameType = NETNS::RTSP_FRAME_VIDEO;
+        info.encodeType = NETNS::RTSP_ENCODE_H264;
+        info.keyFrame = frame.keyFrame ? 1 : 0;
+        info.presentationUs = timeUs;
+        info.clockRate = 90000;
+        info.length = static_cast<std::uint32_t>(frame.data.size());
+        // Start code and header of the slice stay.
+        if (m_options.stamp && !frame.keyFrame && frame.data.size() >= 5 + FRAME_STAMP_BYTES)
+            WriteFrameStamp(frame.data.data() + 5, NowNs());
+        NET_SERVER_LiveStreamIn(CHANNEL, STREAM, info, frame.data.data());
+    }
+
+    void Audio(std::uint64_t timeUs)
+    {
+        static const unsigned char MARKER[4] = {0x00, 0x01, 0xA0, 0x00};
+        unsigned char chunk[sizeof(MARKER) + AUDIO_CHUNK_BYTES];
+        memcpy(chunk, MARKER, sizeof(MARKER));
+        memset(chunk + sizeof(MARKER), 0xD5, AUDIO_CHUNK_BYTES); // A-law silence
+        NETNS::RTSP_FRAME info = {};
+        info.frameType = NETNS::RTSP_FRAME_AUDIO;
+        info.encodeType = NETNS::RTSP_ENCODE_PCMA;
+        info.presentationUs = timeUs;
+        info.clockRate = 8000;
+        info.length = sizeof(chunk);
+        NET_SERVER_LiveStreamIn(CHANNEL, STREAM, info, chunk);
+    }
+
+    std::vector<H264Frame> m_frames;
+    const Options m_options;
+    std::atomic<bool> m_stop{false};
+    std::thread m_thread;
+};
+
+Options ReadOptions(int argc, char** argv)
+{
+    static const option OPTIONS[] = {
+        {"file", required_argument, nullptr, 'f'},
+        {"fps", required_argument, nullptr, 'r'},
+        {"http-port", required_argument, nullptr, 'h'},
+        {"rtsp-port", required_argument, nullptr, 'p'},
+        {"audio", no_argument, nullptr, 'a'},
+        {"no-rtsp-auth", no_argument, nullptr, 'n'},
+        {"compat", no_argument, nullptr, 'c'},
+        {"stamp", no_argument, nullptr, 's'},
+        {nullptr, 0, nullptr, 0},
+    };
+    Options options;
+    int letter = 0;
+    while ((letter = getopt_long(argc, argv, "", OPTIONS, nullptr)) != -1)
+    {
+        switch (letter)
+        {
+        case 'f':
+            options.file = optarg;
+            break;
+        case 'r':
+            options.fps = NumberOption("fps", optarg);
+            break;
+        case 'h':
+            options.httpPort = NumberOption("http-port", optarg);
+            break;
+        case 'p':
+            options.rtspPort = NumberOption("rtsp-port", optarg);
+            break;
+        case 'a':
+            options.audio = true;
+            break;
+        case 'n':
+            options.auth = false;
+            break;
+        case 'c':
+            options.compat = true;
+            break;
+        case 's':
+            options.stamp = true;
+            break;
+        default:
+            options.file.clear();
+            optind = argc;
+            break;
+        }
+    }
+    const bool portsFit = options.httpPort - 1 < 65535 && options.rtspPort - 1 < 65535;
+    if (options.file.empty() || !portsFit || options.fps == 0 || options.fps > 1000)
+    {
+        fputs(USAGE, stderr);
+        exit(2);
+    }
+    return options;
+}
+
+void WaitForPort(unsigned short port)
+{
+    const std::uint64_t end = NowNs() + 5000000000u;
+    while (!DoesPortAnswer(port))
+    {
+        if (NowNs() > end)
+        {
+            fprintf(stderr, "port %u does not answer\n", port);
+            exit(1);
+        }
+        SleepUntilNs(NowNs() + 5000000u);
+    }
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Options options = ReadOptions(argc, argv);
+    std::vector<H264Frame> frames;
+    std::string why;
+    if (!ReadH264File(options.file, frames, why))
+    {
+        fprintf(stderr, "%s %s\n", options.file.c_str(), why.c_str());
+        return 2;
+    }
+
+    // Blocked before any thread starts, so that all inherit it and sigwait below gets them.
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    RaiseDescriptorLimit();
+
+    const auto httpPort = static_cast<unsigned short>(options.httpPort);
+    const auto rtspPort = static_cast<unsigned short>(options.rtspPort);
+    Device device(options.auth);
+    Streams streams;
+    const WebRoot webRoot;
+    const std::string configFile = std::string(webRoot.Path()) + "/config.xml";
+    NET_SERVER_SetPolicy(options.compat ? 0 : NET_POLICY_STANDARD_RTSP);
+    NET_SERVER_Initial(1, 0, 0, &device, &streams, "", "", 1, NETNS::DEV_TYPE_DEFAULT);
+    NET_SERVER_Start(httpPort, webRoot.Path(), configFile.c_str());
+    NET_SERVER_RTSPStart(rtspPort, &streams, &device);
+    NET_SERVER_SetLiveRTSPUrl(CHANNEL, STREAM, "/live/ch1/main");
+    NET_SERVER_SetLiveRTSPUrl(SILENT_CHANNEL, STREAM, "/live/ch2/main");
+    WaitForPort(httpPort);
+    WaitForPort(rtspPort);
+    {
+        const Feeder feeder(std::move(frames), options);
+        printf("ready http=%u rtsp=%u\n", httpPort, rtspPort);
+        fflush(stdout);
+        int signal = 0;
+        sigwait(&signals, &signal);
+    }
+    NET_SERVER_RTSPStop();
+    NET_SERVER_Stop();
+    NET_SERVER_Quit();
+    unlink(configFile.c_str());
+    return 0;
+}

@@ -1,0 +1,211 @@
+// netserver-bench-httpload: HTTP clients in one thread, one request per connection.
+#include "BenchTools.h"
+
+#include <arpa/inet.h>
+#include <getopt.h>
+#include <netinet/in.h>
+#include <sys/epoll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace
+{
+const char USAGE[] = "usage: netserver-bench-httpload --port N --path PATH [--clients N] [--seconds N]\n"
+                     "                                [--server-pid PID] [--basic BASE64]\n";
+
+struct Options
+{
+    unsigned short port = 0;
+    std::string path;
+    std::string basic; // credentials, empty: none
+    unsigned int clients = 8;
+    unsigned int seconds = 5;
+    pid_t serverPid = 0;
+};
+
+struct Connection
+{
+    int fd = -1;
+    std::uint64_t startNs = 0;
+    bool requested = false;
+    std::size_t received = 0;
+    char status[13] = ""; // "HTTP/1.x 200"
+};
+
+// Keeps N connections going: a new one for each that ended.
+class Load
+{
+public:
+    explicit Load(const Options& options) : m_options(options), m_epoll(epoll_create1(EPOLL_CLOEXEC))
+    {
+        Require(m_epoll != -1, "epoll");
+        m_request = "GET " + options.path + " HTTP/1.1\r\nHost: 127.0.0.1\r\n";
+        if (!options.basic.empty())
+            m_request += "Authorization: Basic " + options.basic + "\r\n";
+        m_request += "\r\n";
+    }
+
+    void Run(unsigned int seconds)
+    {
+        m_times.clear();
+        m_failed = 0;
+        const std::uint64_t endNs = NowNs() + seconds * std::uint64_t{1000000000u};
+        while (NowNs() < endNs)
+        {
+            while (m_open < m_options.clients)
+                Open();
+            epoll_event events[256];
+            const int count = epoll_wait(m_epoll, events, 256, 100);
+            for (int i = 0; i < count; ++i)
+                Serve(*static_cast<Connection*>(events[i].data.ptr));
+        }
+    }
+
+    std::vector<double>& TimesMs() { return m_times; }
+    unsigned int Failed() const { return m_failed; }
+    std::size_t AnswerBytes() const { return m_answerBytes; }
+
+private:
+    void Open()
+    {
+        auto* connection = new Connection();
+        connection->startNs = NowNs();
+        connection->fd = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+        Require(connection->fd != -1, "socket");
+        sockaddr_in address = {};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(m_options.port);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        const int result = connect(connection->fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+        Require(result == 0 || errno == EINPROGRESS, "connect");
+        epoll_event event = {};
+        event.events = EPOLLOUT;
+        event.data.ptr = connection;
+        Require(epoll_ctl(m_epoll, EPOLL_CTL_ADD, connection->fd, &event) == 0, "epoll");
+        ++m_open;
+    }
+
+    void Serve(Connection& connection)
+    {
+        if (!connection.requested)
+        {
+            if (send(connection.fd, m_request.data(), m_request.size(), MSG_NOSIGNAL) !=
+                static_cast<ssize_t>(m_request.size()))
+                return Close(connection);
+            connection.requested = true;
+            epoll_event event = {};
+            event.events = EPOLLIN;
+            event.data.ptr = &connection;
+            epoll_ctl(m_epoll, EPOLL_CTL_MOD, connection.fd, &event);
+            return;
+        }
+        static char buffer[65536];
+        const ssize_t got = recv(connection.fd, buffer, sizeof(buffer), 0);
+        if (got <= 0)
+        {
+            if (got == 0 || errno != EAGAIN)
+                Close(connection);
+            return;
+        }
+        for (std::size_t i = 0; i < static_cast<std::size_t>(got) && connection.received + i < 12; ++i)
+            connection.status[connection.received + i] = buffer[i];
+        connection.received += static_cast<std::size_t>(got);
+    }
+
+    void Close(Connection& connection)
+    {
+        if (strcmp(connection.status + 8, " 200") == 0)
+            m_times.push_back(static_cast<double>(NowNs() - connection.startNs) / 1e6);
+        else
+            ++m_failed;
+        m_answerBytes = connection.received;
+        close(connection.fd);
+        delete &connection;
+        --m_open;
+    }
+
+    const Options& m_options;
+    const int m_epoll;
+    std::string m_request;
+    unsigned int m_open = 0;
+    unsigned int m_failed = 0;
+    std::size_t m_answerBytes = 0;
+    std::vector<double> m_times; // of requests answered 200, in ms from connect to end
+};
+
+Options ReadOptions(int argc, char** argv)
+{
+    static const option OPTIONS[] = {
+        {"port", required_argument, nullptr, 'p'},
+        {"path", required_argument, nullptr, 'u'},
+        {"clients", required_argument, nullptr, 'c'},
+        {"seconds", required_argument, nullptr, 's'},
+        {"basic", required_argument, nullptr, 'b'},
+        {"server-pid", required_argument, nullptr, 'x'},
+        {nullptr, 0, nullptr, 0},
+    };
+    Options options;
+    int letter = 0;
+    while ((letter = getopt_long(argc, argv, "", OPTIONS, nullptr)) != -1)
+    {
+        switch (letter)
+        {
+        case 'p':
+            options.port = static_cast<unsigned short>(NumberOption("port", optarg));
+            break;
+        case 'u':
+            options.path = optarg;
+            break;
+        case 'c':
+            options.clients = NumberOption("clients", optarg);
+            break;
+        case 's':
+            options.seconds = NumberOption("seconds", optarg);
+            break;
+        case 'b':
+            options.basic = optarg;
+            break;
+        case 'x':
+            options.serverPid = static_cast<pid_t>(NumberOption("server-pid", optarg));
+            break;
+        default:
+            options.path.clear();
+            break;
+        }
+    }
+    if (options.port == 0 || options.path.empty() || options.clients == 0)
+    {
+        fputs(USAGE, stderr);
+        exit(2);
+    }
+    return options;
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Options options = ReadOptions(argc, argv);
+    RaiseDescriptorLimit();
+    Load load(options);
+    load.Run(1);
+    const std::uint64_t cpuBefore = CpuOfProcessUs(options.serverPid);
+    load.Run(options.seconds);
+    const auto cpuUs = static_cast<double>(CpuOfProcessUs(options.serverPid) - cpuBefore);
+
+    const auto answered = static_cast<double>(load.TimesMs().size());
+    PrintFigure("requests", answered);
+    PrintFigure("failed", load.Failed());
+    PrintFigure("answer_bytes", static_cast<double>(load.AnswerBytes()));
+    PrintFigure("requests_per_second", answered / options.seconds);
+    PrintFigure("requests_per_cpu_second", cpuUs == 0 ? 0 : answered * 1e6 / cpuUs);
+    PrintFigure("p50_ms", Percentile(load.TimesMs(), 0.50));
+    PrintFigure("p99_ms", Percentile(load.TimesMs(), 0.99));
+    return 0;
+}

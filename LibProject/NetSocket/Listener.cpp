@@ -1,0 +1,252 @@
+// Listener.cpp: one port and the threads that accept on it.
+#include "Listener.h"
+
+#include "Connection.h"
+#include "ConnectionTable.h"
+#include "ShareSDK.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <utility>
+
+#include <fcntl.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr int BACKLOG = 512;
+constexpr std::chrono::milliseconds FAILURE_PAUSE(50);
+
+/// What a peer does, or the network, before its connection is accepted (accept(2)): the next one is as good as ever.
+bool IsPeersFailure(int error)
+{
+    switch (error)
+    {
+    case EINTR:
+    case ECONNABORTED:
+    case EPERM:
+    case EPROTO:
+    case ENETDOWN:
+    case ENOPROTOOPT:
+    case EHOSTDOWN:
+    case ENONET:
+    case EHOSTUNREACH:
+    case ENETUNREACH:
+        return true;
+    default:
+        return false;
+    }
+}
+
+CFileDescriptor AcceptNow(int fd, sockaddr_in& peer)
+{
+    socklen_t size = sizeof(peer);
+    return CFileDescriptor(accept4(fd, reinterpret_cast<sockaddr*>(&peer), &size, SOCK_NONBLOCK | SOCK_CLOEXEC));
+}
+
+} // namespace
+
+std::shared_ptr<CListener> CListener::Open(unsigned short port, CListenSocketObserver* observer,
+                                           unsigned int localAddress, bool reuseAddress, CConnectionTable& table,
+                                           const std::shared_ptr<CQuitSignal>& quit)
+{
+    std::shared_ptr<CListener> listener(new CListener(observer, table, quit));
+    if (!listener->OpenSocket(port, localAddress, reuseAddress))
+    {
+        return nullptr;
+    }
+    std::lock_guard<std::mutex> lock(listener->m_lock);
+    return listener->StartThread() ? listener : nullptr;
+}
+
+CListener::CListener(CListenSocketObserver* observer, CConnectionTable& table, std::shared_ptr<CQuitSignal> quit)
+    : m_observer(observer), m_table(table), m_quit(std::move(quit))
+{
+    OpenReserve();
+}
+
+bool CListener::OpenSocket(unsigned short port, unsigned int localAddress, bool reuseAddress)
+{
+    m_socket = CFileDescriptor(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    const int on = 1;
+    if (reuseAddress)
+    {
+        setsockopt(m_socket.Get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
+    }
+    setsockopt(m_socket.Get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on)); // accepted sockets inherit it
+    sockaddr_in local{};
+    local.sin_family = AF_INET;
+    local.sin_port = htons(port);
+    local.sin_addr.s_addr = localAddress;
+    socklen_t size = sizeof(local);
+    auto* address = reinterpret_cast<sockaddr*>(&local);
+    if (bind(m_socket.Get(), address, size) != 0 || listen(m_socket.Get(), BACKLOG) != 0 ||
+        getsockname(m_socket.Get(), address, &size) != 0)
+    {
+        return false;
+    }
+    m_port = ntohs(local.sin_port);
+    return true;
+}
+
+bool CListener::StartThread()
+{
+    char name[16];
+    std::snprintf(name, sizeof(name), "accept %u", static_cast<unsigned int>(m_port));
+    auto reference = std::make_unique<std::shared_ptr<CListener>>(shared_from_this());
+    const unsigned int thread = SHARESDK_CreateRunOneThread(Run, reference.get(), false, __FILE__, __LINE__, name);
+    if (thread == 0)
+    {
+        return false;
+    }
+    reference.release(); // the new thread's
+    m_threads.push_back(thread);
+    ++m_idleThreads;
+    return true;
+}
+
+void CListener::Run(void* listener)
+{
+    std::unique_ptr<std::shared_ptr<CListener>> reference(static_cast<std::shared_ptr<CListener>*>(listener));
+    const std::shared_ptr<CListener> self = std::move(*reference);
+    reference.reset();
+    self->Serve();
+}
+
+void CListener::Stop()
+{
+    std::vector<unsigned int> threads;
+    {
+        std::lock_guard<std::mutex> lock(m_lock);
+        m_stopping = true;
+        threads.swap(m_threads);
+        m_changed.notify_all();
+    }
+    shutdown(m_socket.Get(), SHUT_RDWR); // ends every accept and poll on it
+    for (const unsigned int thread : threads)
+    {
+        SHARESDK_DestroyThread(thread, __FILE__, __LINE__);
+    }
+    m_socket.Close();
+}
+
+void CListener::Serve()
+{
+    while (ReservePlace())
+    {
+        sockaddr_in peer{};
+        CFileDescriptor socket = Accept(peer);
+        if (socket.IsOpen())
+        {
+            HandOver(std::move(socket), peer);
+        }
+        else
+        {
+            ConnectionEnded(); // the place is free again
+        }
+        std::lock_guard<std::mutex> lock(m_lock);
+        ++m_idleThreads;
+    }
+}
+
+bool CListener::ReservePlace()
+{
+    std::unique_lock<std::mutex> lock(m_lock);
+    m_changed.wait(lock, [this] { return m_stopping || m_places < CONNECTIONS_MAX; });
+    if (m_stopping)
+    {
+        return false;
+    }
+    ++m_places;
+    return true;
+}
+
+void CListener::ConnectionEnded()
+{
+    std::lock_guard<std::mutex> lock(m_lock);
+    if (m_places-- == CONNECTIONS_MAX)
+    {
+        m_changed.notify_one();
+    }
+}
+
+CFileDescriptor CListener::Accept(sockaddr_in& peer)
+{
+    CFileDescriptor socket = AcceptNow(m_socket.Get(), peer);
+    const int error = errno;
+    if (!socket.IsOpen() && (error == EMFILE || error == ENFILE))
+    {
+        socket = AcceptWithReserve(peer);
+    }
+    else if (!socket.IsOpen() && !IsPeersFailure(error))
+    {
+        PauseAfterFailure();
+    }
+    else if (socket.IsOpen() && m_refusing)
+    {
+        m_refusing = false;
+    }
+    std::lock_guard<std::mutex> lock(m_lock);
+    --m_idleThreads;
+    if (socket.IsOpen() && !m_stopping && m_idleThreads == 0 && m_threads.size() < THREADS_MAX)
+    {
+        StartThread();
+    }
+    return socket;
+}
+
+CFileDescriptor CListener::AcceptWithReserve(sockaddr_in& peer)
+{
+    // Without a free descriptor accept fails at once, also when nobody is there: wait for a peer first.
+    pollfd waiting = {m_socket.Get(), POLLIN, 0};
+    PollUntil(&waiting, 1, NO_DEADLINE);
+
+    std::lock_guard<std::mutex> lock(m_reserveLock);
+    if (!m_refusing.exchange(true))
+    {
+        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+    }
+    if (!m_reserve.IsOpen() && !OpenReserve())
+    {
+        PauseAfterFailure();
+        return CFileDescriptor();
+    }
+    m_reserve.Close();
+    CFileDescriptor socket = AcceptNow(m_socket.Get(), peer);
+    if (OpenReserve())
+    {
+        return socket; // a descriptor has come free meanwhile
+    }
+    socket.Close();
+    OpenReserve();
+    return socket;
+}
+
+bool CListener::OpenReserve()
+{
+    m_reserve = CFileDescriptor(open("/dev/null", O_RDONLY | O_CLOEXEC));
+    return m_reserve.IsOpen();
+}
+
+void CListener::PauseAfterFailure()
+{
+    std::unique_lock<std::mutex> lock(m_lock);
+    m_changed.wait_for(lock, FAILURE_PAUSE, [this] { return m_stopping; });
+}
+
+void CListener::HandOver(CFileDescriptor socket, const sockaddr_in& peer)
+{
+    const auto connection = std::make_shared<CConnection>(std::move(socket), peer, m_quit, shared_from_this());
+    const int handle = m_table.Insert(connection);
+    if (handle == 0)
+    {
+        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+        connection->Cut();
+        return;
+    }
+    m_observer->OnAcceptCreateSocket(handle, m_port, peer.sin_addr.s_addr);
+}

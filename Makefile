@@ -1,0 +1,63 @@
+# A thin front for people. CMake's presets do the work; see CMakePresets.json.
+#
+#   make run              build and start the reference camera (ARGS="--fps 25" passes options)
+#   make test             build everything and run every test
+.PHONY: help deps run test test-asan test-tsan bench fuzz docs format lint clean
+
+JOBS ?= $(shell nproc)
+
+help:
+	@echo "make run         build and start the reference camera; ARGS=\"--fps 25\" passes options"
+	@echo "make test        build everything and run every test"
+	@echo "make test-asan   the same under AddressSanitizer and UndefinedBehaviorSanitizer"
+	@echo "make test-tsan   the same under ThreadSanitizer"
+	@echo "make bench       build optimised and run the benchmarks"
+	@echo "make fuzz        run each fuzz target for FUZZ_SECONDS (60)"
+	@echo "make docs        try every example that the documents show"
+	@echo "make format      lay out all sources"
+	@echo "make lint        check layout, run clang-tidy and cppcheck"
+	@echo "make deps        install the Debian packages; the others do so themselves"
+	@echo "make clean       remove build/"
+
+deps:
+	@scripts/deps.sh
+
+run: deps
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS) --target netserver-camera
+	exec build/release/Apps/Camera/netserver-camera $(ARGS)
+
+test: deps
+	cmake --preset dev
+	cmake --build --preset dev --parallel $(JOBS)
+	ctest --preset dev --parallel $(JOBS)
+
+test-asan test-tsan: test-%: deps
+	cmake --preset $*
+	cmake --build --preset $* --parallel $(JOBS)
+	ctest --preset $* --parallel $(JOBS)
+
+bench: deps
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS)
+	cmake --build --preset release --target bench
+
+fuzz:
+	@scripts/deps.sh fuzz
+	scripts/fuzz.sh
+
+docs: deps
+	cmake --preset dev
+	cmake --build --preset dev --parallel $(JOBS)
+	ctest --preset dev --tests-regex '^Docs'
+
+format:
+	@scripts/deps.sh format
+	git ls-files '*.h' '*.cpp' | xargs clang-format -i
+
+lint:
+	@scripts/deps.sh lint
+	scripts/lint.sh
+
+clean:
+	rm -rf build

@@ -1,0 +1,21 @@
+// RTSP_SessionTexts.h: the texts that a session's answers share. Scheduler thread only.
+#pragma once
+
+#include <ctime>
+#include <string>
+
+constexpr const char* RTSP_SERVER_NAME = "QLX RTSP Server/1.0.0";
+constexpr const char* RTSP_LAST_MODIFIED = "Tue Dec 22 15:13:46 2015 GMT";
+
+/// The Date and Expires lines, both the present time.
+std::string DateHeader();
+
+/// The same for a given time, seconds since 1970.
+std::string DateHeader(std::time_t now);
+
+/// Writes 15 random decimal digits, the first not 0, and a zero byte.
+void MakeSessionId(char (&sessionId)[16]);
+
+/// Takes the "x-sessioncookie: " of a tunnel's GET or POST: at most 50 bytes, up to a blank, a tab or CR. Both cookies
+/// are cleared first.
+void ReadCookies(const char* text, char (&cookie)[51], char (&cookieInPost)[51]);

@@ -1,0 +1,222 @@
+#include "NetServer.h"
+
+#include "HttpDataPacket.h"
+#include "HttpProtocolAnalyse.h"
+#include "NetServerDataProc.h"
+#include "PFHelper.h"
+#include "ShareSDK.h"
+
+#include <exception>
+
+namespace
+{
+
+constexpr int POOL_THREADS = 2;
+constexpr int MAX_POOL_THREADS = 4;
+constexpr int READ_BYTES = 4095;
+
+/// Bounds the waits of one message by the time that they take together, however often bytes end them early.
+class CReadBudget
+{
+public:
+    /// Waits for bytes. @return false when the budget is used up
+    bool Wait(int handle)
+    {
+        if (m_waitedMs >= CNetServer::READ_BUDGET_MS)
+            return false;
+        const unsigned int begin = CPFHelper::GetTickCount();
+        NET_SOCKET_WaitRecv(handle, CNetServer::READ_BUDGET_MS - m_waitedMs);
+        m_lastWaitMs = CPFHelper::GetTickCount() - begin;
+        m_waitedMs += m_lastWaitMs;
+        return true;
+    }
+
+    /// A read brought nothing. A wait that ended at once for nothing counts too, so that none goes on for ever.
+    void NoteEmptyRead()
+    {
+        if (m_waits && m_lastWaitMs == 0)
+            ++m_waitedMs;
+        m_waits = true;
+    }
+    void NoteBytes() { m_waits = false; }
+
+private:
+    unsigned int m_waitedMs = 0;
+    unsigned int m_lastWaitMs = 0;
+    bool m_waits = false; ///< the read before brought nothing either
+};
+
+} // namespace
+
+CNetServer& CNetServer::Instance()
+{
+    static CNetServer server;
+    return server;
+}
+
+CNetServer::CNetServer() : m_pool(POOL_THREADS, MAX_POOL_THREADS, true) {}
+
+int CNetServer::Initial(unsigned int /*channels*/, CDevInterface* /*dev*/, unsigned int /*flags*/)
+{
+    return 1;
+}
+
+int CNetServer::start(unsigned short port, const char* webRoot, const char* /*cfgFile*/)
+{
+    if (port == 0)
+        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+    Stop();
+    Listen(port);
+    CNetServerDataProc::Instance().Start(webRoot);
+    return 0;
+}
+
+void CNetServer::Listen(unsigned short port)
+{
+    m_port = NET_SOCKET_StartListen(port, this, 0, true) ? port : 0u;
+}
+
+void CNetServer::Stop()
+{
+    if (m_port != 0)
+        NET_SOCKET_StopListen(static_cast<unsigned short>(m_port.load()));
+    m_port = 0;
+    const CMySingleLock lock(m_lock);
+    m_pending.clear();
+}
+
+int CNetServer::SetHttpPort(unsigned short port)
+{
+    Stop();
+    Listen(port);
+    return 1;
+}
+
+int CNetServer::Quit()
+{
+    Stop();
+    m_pool.Destroy();
+    return 1;
+}
+
+void CNetServer::OnAcceptCreateSocket(int handle, unsigned short /*port*/, unsigned int /*address*/)
+{
+    {
+        const CMySingleLock lock(m_lock);
+        m_pending.push_back(handle);
+    }
+    m_pool.Run(&CNetServer::LinkProc, this, THREAD_PRIORITY_TAIL);
+}
+
+void CNetServer::LinkProc(void* server)
+{
+    static_cast<CNetServer*>(server)->LinkProc();
+}
+
+/// A task says only that some connection waits, not which.
+void CNetServer::LinkProc()
+{
+    int handle = 0;
+    {
+        const CMySingleLock lock(m_lock);
+        if (m_pending.empty())
+        {
+            SHARESDK_NormalOutput(" http request failed !", __FILE__, __LINE__);
+            return;
+        }
+        handle = m_pending.front();
+        m_pending.pop_front();
+    }
+    try
+    {
+        Serve(handle);
+    }
+    catch (const std::exception& failure)
+    {
+        SHARESDK_AbnormalOutput(failure.what(), __FILE__, __LINE__);
+        NET_SOCKET_DestroyHNetCommunication(handle);
+    }
+}
+
+void CNetServer::Serve(int handle)
+{
+    CHttpDataPacket packet;
+    if (!GetAcceptHttp(handle, packet))
+    {
+        NET_SOCKET_DestroyHNetCommunication(handle);
+        return;
+    }
+    _DATA_PACK_* message = packet.GetNextPendingPacket();
+    if (message == nullptr)
+    {
+        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+        NET_SOCKET_DestroyHNetCommunication(handle);
+        return;
+    }
+    const CHttpProtocolAnalyse request(message->m_pBuff, message->Length());
+    CHttpDataPacket::ReleasePack(message);
+    if (request.IsResponse())
+        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+
+    CHttpProtocolAnalyse response;
+    std::string ip;
+    GetLinkIP(handle, ip);
+    CNetServerDataProc::Instance().AnalysisRequest(ip, request, response);
+    ReplyExecute(handle, response);
+}
+
+/// Reads one message. @return false when the peer closes, falls silent or never ends its header
+bool CNetServer::GetAcceptHttp(int handle, CHttpDataPacket& packet)
+{
+    char buffer[READ_BYTES + 1];
+    CReadBudget budget;
+    for (;;)
+    {
+        bool broken = false;
+        const int count = NET_SOCKET_Recv_Immediate(handle, buffer, READ_BYTES, &broken);
+        if (broken)
+            return false; // bytes that came with the news are dropped
+        if (count <= 0)
+        {
+            budget.NoteEmptyRead();
+            if (!budget.Wait(handle))
+                return false;
+            continue;
+        }
+        budget.NoteBytes();
+        packet.PushBack(buffer, static_cast<unsigned int>(count));
+        if (packet.IsComplete())
+            return true;
+        if (packet.IsHeaderTooLong())
+            return false;
+    }
+}
+
+/// Sends the response, for as long as the peer takes to read it, and closes. @return 1
+int CNetServer::ReplyExecute(int handle, const CHttpProtocolAnalyse& response)
+{
+    int remaining = 0;
+    const char* cursor = response.GetBuf(remaining);
+    if (cursor == nullptr || remaining <= 0)
+        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+    bool broken = false;
+    while (remaining > 0 && !broken)
+    {
+        const int sent = NET_SOCKET_Send_Immediate(handle, cursor, remaining, broken);
+        if (sent <= 0)
+            continue;
+        cursor += sent;
+        remaining -= sent;
+    }
+    NET_SOCKET_DestroyHNetCommunication(handle);
+    return 1;
+}
+
+void CNetServer::GetLinkIP(int handle, std::string& ip)
+{
+    sockaddr_in address{};
+    NET_SOCKET_GetRemoteIP(handle, address);
+    char text[64] = {};
+    NET_SOCKET_Inet_ntoa(address.sin_addr.s_addr, text);
+    ip = text;
+}

@@ -1,0 +1,237 @@
+#include "NetServerDataProc.h"
+
+#include "AlarmServer.h"
+#include "DevInterface.h"
+#include "HttpProtocolAnalyse.h"
+#include "PFFile.h"
+#include "QlxApiProtocolProc.h"
+#include "ShareSDK.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr unsigned int FLAG_API = 1;
+constexpr std::size_t MAX_COMMAND_WORD = 63;
+constexpr const char* ONVIF_PREFIX = "onvif";
+
+/// A message that holds one of these is the host's.
+constexpr const char* HOST_MARKERS[] = {"ORBIT-700", "queryQRInfo"};
+
+/// Room that a response needs beside its body.
+constexpr off_t RESPONSE_ROOM = 4096;
+
+constexpr int STATUS_OK = 200;
+constexpr int STATUS_NOT_FOUND = 404;
+
+std::string TextOrEmpty(const char* text)
+{
+    if (text == nullptr)
+        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+    return text == nullptr ? std::string() : std::string(text);
+}
+
+int NotFound(CHttpProtocolAnalyse& response)
+{
+    response.SetResponseHeader(STATUS_NOT_FOUND);
+    return 0;
+}
+
+struct FileBytes
+{
+    std::unique_ptr<char[]> data;
+    int size = 0;
+};
+
+bool ReadAll(int descriptor, FileBytes& file)
+{
+    int done = 0;
+    while (done < file.size)
+    {
+        const ssize_t count = read(descriptor, file.data.get() + done, static_cast<std::size_t>(file.size - done));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            break;
+        done += static_cast<int>(count);
+    }
+    file.size = done;
+    return done > 0;
+}
+
+/// Reads a regular file whole. Pipes and devices are not opened for good: opening one may wait or have effects.
+bool ReadRegularFile(const std::string& path, FileBytes& file)
+{
+    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (descriptor == -1)
+        return false;
+    struct stat status
+    {
+    };
+    bool good = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0 &&
+                status.st_size <= INT_MAX - RESPONSE_ROOM;
+    if (good)
+    {
+        file.size = static_cast<int>(status.st_size);
+        file.data.reset(new char[static_cast<std::size_t>(file.size)]);
+        good = ReadAll(descriptor, file);
+    }
+    close(descriptor);
+    return good;
+}
+
+} // namespace
+
+CNetServerDataProc& CNetServerDataProc::Instance()
+{
+    static CNetServerDataProc proc;
+    return proc;
+}
+
+int CNetServerDataProc::Initial(unsigned int channels, unsigned int alarmOuts, unsigned int sensors, CDevInterface* dev,
+                                const char* oldVersion, const char* newVersion, unsigned int flags)
+{
+    if (dev == nullptr)
+        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+    m_dev = dev;
+    m_oldVersion = TextOrEmpty(oldVersion);
+    m_newVersion = TextOrEmpty(newVersion);
+    m_commands.clear();
+    if ((flags & FLAG_API) != 0)
+    {
+        CQLXApiProc::Instance().Init(channels, dev);
+        for (const QLX_API_COMMAND& command : QlxApiCommands())
+            m_commands[command.word] = command.value;
+        m_unused.assign(1, std::string());
+    }
+    CAlarmServer::Instance().Initial(channels, alarmOuts, sensors);
+    return 1;
+}
+
+int CNetServerDataProc::Start(const char* webRoot)
+{
+    m_webRoot = TextOrEmpty(webRoot);
+    // A root of nothing but the slash would be the whole file system.
+    if (!m_webRoot.empty() && m_webRoot.back() != '/')
+        m_webRoot += '/';
+    return 1;
+}
+
+int CNetServerDataProc::AnalysisRequest(const std::string& ip, const CHttpProtocolAnalyse& request,
+                                        CHttpProtocolAnalyse& response)
+{
+    return request.IsRequestFile() ? ServeFile(request, response) : ServeCommand(ip, request, response);
+}
+
+int CNetServerDataProc::ServeFile(const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response)
+{
+    const std::string& url = request.GetUrl();
+    std::string path;
+    FileBytes file;
+    if (m_webRoot.empty() || url.find('\0') != std::string::npos || !FindFile(url, path) ||
+        !ReadRegularFile(path, file))
+        return NotFound(response);
+    ModifyFileVertionInfo(file.data.get(), static_cast<unsigned int>(file.size), m_oldVersion.c_str(),
+                          m_newVersion.c_str());
+    response.SetURL(url); // its extension decides on the type
+    response.SetResPackage(STATUS_OK, file.data.get(), file.size, "");
+    return 1;
+}
+
+/// Finds the file of a URL; a missing one the host may write in the moment that it is asked for it.
+bool CNetServerDataProc::FindFile(const std::string& url, std::string& path)
+{
+    path = m_webRoot + url;
+    if (url.empty())
+    {
+        path = m_webRoot + "index.htm";
+        if (!CPFFile::FileExist(path.c_str()))
+            path = m_webRoot + "index.html";
+    }
+    if (CPFFile::FileExist(path.c_str()))
+        return true;
+    if (m_dev == nullptr)
+        return false;
+    char* buffer = nullptr;
+    int length = 0;
+    m_dev->GetWebFile(path.c_str(), buffer, length);
+    m_dev->FreeBuffer(buffer);
+    return CPFFile::FileExist(path.c_str());
+}
+
+int CNetServerDataProc::ServeCommand(const std::string& ip, const CHttpProtocolAnalyse& request,
+                                     CHttpProtocolAnalyse& response)
+{
+    const std::string& url = request.GetUrl();
+    const std::string word = url.substr(0, url.find('/'));
+    const auto command = word.size() > MAX_COMMAND_WORD ? m_commands.end() : m_commands.find(word);
+    if (command != m_commands.end())
+    {
+        CQLXApiProc::Instance().ProcCmd(ip, static_cast<QLX_API_CMD>(command->second), request, response);
+        return 1;
+    }
+    // This device offers no ONVIF service, and the host is not asked for one either.
+    if (url.compare(0, std::strlen(ONVIF_PREFIX), ONVIF_PREFIX) == 0)
+        return NotFound(response);
+    int length = 0;
+    const char* message = request.GetBuf(length);
+    const bool isHosts = std::any_of(std::begin(HOST_MARKERS), std::end(HOST_MARKERS),
+                                     [message](const char* marker) { return std::strstr(message, marker) != nullptr; });
+    return isHosts ? ServeByHost(request, response) : NotFound(response);
+}
+
+int CNetServerDataProc::ServeByHost(const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response)
+{
+    if (m_dev == nullptr)
+        return NotFound(response);
+    int length = 0;
+    const char* message = request.GetBuf(length);
+    char* body = nullptr;
+    int bodyLength = 0;
+    int status = 0;
+    m_dev->ProcHttpData(message, length, body, bodyLength, status);
+    response.SetURL(request.GetUrl());
+    response.SetResPackage(status, body, bodyLength, "");
+    if (body != nullptr)
+        m_dev->FreeBuffer(body);
+    return 1;
+}
+
+int CNetServerDataProc::ModifyFileVertionInfo(char* text, unsigned int len, const char* oldVersion,
+                                              const char* newVersion)
+{
+    if (oldVersion == nullptr || newVersion == nullptr)
+    {
+        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+        return 0;
+    }
+    const std::size_t length = std::strlen(oldVersion);
+    // Where the overwriting would change nothing the search would find the same place again and again.
+    if (length == 0 || std::strncmp(oldVersion, newVersion, length) == 0)
+        return 0;
+    char* end = text + strnlen(text, len);
+    char* hit = static_cast<char*>(memmem(text, static_cast<std::size_t>(end - text), oldVersion, length));
+    if (hit == nullptr)
+        return -1;
+    if (std::strlen(newVersion) != length)
+        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+    while (hit != nullptr)
+    {
+        // Always as many bytes as the old text has, so that the file keeps its size.
+        std::strncpy(hit, newVersion, length);
+        end = text + strnlen(text, static_cast<std::size_t>(end - text));
+        // What was written may join what stands in front of it to a new occurrence.
+        char* from = hit - text < static_cast<std::ptrdiff_t>(length) ? text : hit - (length - 1);
+        hit = from < end ? static_cast<char*>(memmem(from, static_cast<std::size_t>(end - from), oldVersion, length))
+                         : nullptr;
+    }
+    return 0;
+}

@@ -1,0 +1,204 @@
+"""One running netserver-camera for a test, and the clients that play it."""
+
+import json
+import os
+import re
+import select
+import signal
+import socket
+import subprocess
+import tempfile
+import time
+import urllib.error
+import urllib.request
+import base64
+
+CAMERA = os.environ.get("NETSERVER_CAMERA", "netserver-camera")
+READY_LIMIT = 40   # seconds; GStreamer looks through its plugins on the first run of a machine
+CLIENT_LIMIT = 60  # seconds for a client that plays some seconds
+
+
+def free_ports(count):
+    """Ports that nothing listens on, all different."""
+    sockets = [socket.socket() for _ in range(count)]
+    for one in sockets:
+        one.bind(("127.0.0.1", 0))
+    ports = [one.getsockname()[1] for one in sockets]
+    for one in sockets:
+        one.close()
+    return ports
+
+
+class Camera:
+    """Starts the camera with the given options and waits for its ready line; stops it at the end of `with`."""
+
+    def __init__(self, *options):
+        self.options = options
+
+    def __enter__(self):
+        for _ in range(3):  # another process may take a port between the choice and the start
+            if self._start():
+                return self
+        raise AssertionError("the camera does not start:\n" + self.log())
+
+    def _start(self):
+        self.directory = tempfile.TemporaryDirectory(prefix="camera-")
+        self.http, self.rtsp = free_ports(2)
+        self.log_path = os.path.join(self.directory.name, "log")
+        with open(self.log_path, "wb") as log:
+            self.process = subprocess.Popen(
+                [CAMERA, "--http-port", str(self.http), "--rtsp-port", str(self.rtsp),
+                 "--data-dir", os.path.join(self.directory.name, "data"), *self.options],
+                stdout=subprocess.PIPE, stderr=log)
+        self.ready_line = self._read_line()
+        if self.ready_line != b"":
+            return True
+        self.process.kill()
+        self.process.wait()
+        self.process.stdout.close()
+        return False
+
+    def _read_line(self):
+        line = b""
+        end = time.monotonic() + READY_LIMIT
+        while not line.endswith(b"\n"):
+            left = end - time.monotonic()
+            if left <= 0 or not select.select([self.process.stdout], [], [], left)[0]:
+                return b""
+            piece = os.read(self.process.stdout.fileno(), 1)
+            if piece == b"":
+                return b""
+            line += piece
+        return line
+
+    def __exit__(self, *_):
+        if self.process.poll() is None:
+            self.process.terminate()
+            try:
+                self.process.wait(10)
+            except subprocess.TimeoutExpired:
+                self.process.kill()
+                self.process.wait()
+        self.process.stdout.close()
+        self.directory.cleanup()
+
+    def log(self):
+        with open(self.log_path, errors="replace") as log:
+            return log.read()
+
+    def stop(self, number=signal.SIGTERM):
+        """Sends a signal. Returns exit status, seconds until the end, and what else was on standard output."""
+        begin = time.monotonic()
+        self.process.send_signal(number)
+        status = self.process.wait(20)
+        seconds = time.monotonic() - begin
+        return status, seconds, self.process.stdout.read()
+
+    def url(self, path="/live/ch1/main", user="admin:admin"):
+        at = user + "@" if user else ""
+        return "rtsp://%s127.0.0.1:%d%s" % (at, self.rtsp, path)
+
+    def page(self, path=""):
+        return "http://127.0.0.1:%d/%s" % (self.http, path)
+
+    def get(self, path, user="admin:admin", body=None):
+        """An HTTP request: status, headers, body."""
+        request = urllib.request.Request(self.page(path), data=body)
+        if user is not None:
+            request.add_header("Authorization", "Basic " + base64.b64encode(user.encode()).decode())
+        try:
+            with urllib.request.urlopen(request, timeout=10) as answer:
+                return answer.status, answer.headers, answer.read()
+        except urllib.error.HTTPError as answer:
+            return answer.code, answer.headers, answer.read()
+
+    def rtsp_exchange(self, text):
+        """One RTSP request on a connection of its own; the answer's header."""
+        with socket.create_connection(("127.0.0.1", self.rtsp), 10) as connection:
+            connection.settimeout(10)
+            connection.sendall(text.encode())
+            answer = b""
+            while b"\r\n\r\n" not in answer:
+                piece = connection.recv(4096)
+                if not piece:
+                    break
+                answer += piece
+            return answer.decode()
+
+
+def run(*command, limit=CLIENT_LIMIT):
+    return subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                          timeout=limit, text=True, errors="replace")
+
+
+def probe(url, transport, *more):
+    return run("ffprobe", "-v", "error", "-rtsp_transport", transport, *more, "-of", "json", url)
+
+
+def streams_of(url, transport):
+    """The streams that ffprobe finds, by kind."""
+    result = probe(url, transport, "-show_streams")
+    assert result.returncode == 0, result.stderr
+    return {stream["codec_type"]: stream for stream in json.loads(result.stdout)["streams"]}
+
+
+def packet_times(url, transport, seconds):
+    """Time stamps in seconds of the packets of each kind, as ffprobe gets them in some seconds of playing.
+
+    ffprobe knows no time for the first picture: it waits for a second one to learn the order of decoding.
+    """
+    result = probe(url, transport, "-show_entries", "packet=codec_type,pts_time,flags", "-read_intervals",
+                   "%%+%d" % seconds)
+    assert result.returncode == 0, result.stderr
+    times = {"video": [], "audio": []}
+    for packet in json.loads(result.stdout)["packets"]:
+        known = times[packet["codec_type"]]
+        if "pts_time" in packet or known:
+            known.append(float(packet["pts_time"]))
+    return times
+
+
+def decode(url, transport, frames):
+    """Decodes so many pictures and the sound beside them. Returns exit status and complaints."""
+    result = run("ffmpeg", "-nostdin", "-v", "error", "-rtsp_transport", transport, "-i", url, "-map", "0",
+                 "-frames:v", str(frames), "-f", "null", "-")
+    return result.returncode, result.stderr
+
+
+def steps(times):
+    return [later - earlier for earlier, later in zip(times, times[1:])]
+
+
+def gstreamer_times(url, protocols, user, password, pictures, limit=CLIENT_LIMIT):
+    """Plays with rtspsrc and decodes until so many pictures came. Returns times of pictures and sound in seconds."""
+    process = subprocess.Popen(
+        ["gst-launch-1.0", "-v", "rtspsrc", "name=camera", "location=" + url, "protocols=" + protocols,
+         "user-id=" + user, "user-pw=" + password, "latency=200",
+         "camera.", "!", "rtph264depay", "!", "avdec_h264", "!", "fakesink", "name=pictures", "silent=false",
+         "sync=false", "async=false",
+         "camera.", "!", "rtppcmadepay", "!", "alawdec", "!", "fakesink", "name=sound", "silent=false", "sync=false",
+         "async=false"],
+        stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace")
+    line_form = re.compile(r"(pictures|sound): last-message = chain .*pts: (\d+):(\d+):([\d.]+)")
+    times = {"pictures": [], "sound": []}
+    output = []
+    end = time.monotonic() + limit
+    try:
+        for line in process.stdout:
+            found = line_form.search(line)
+            if found:
+                kind, hours, minutes, seconds = found.groups()
+                times[kind].append(int(hours) * 3600 + int(minutes) * 60 + float(seconds))
+            else:
+                output.append(line)
+            if len(times["pictures"]) >= pictures or time.monotonic() > end:
+                break
+    finally:
+        process.send_signal(signal.SIGINT)
+        process.stdout.close()
+        try:
+            process.wait(5)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.wait()
+    return times, "".join(output)

@@ -1,0 +1,87 @@
+"""What the documents show: links lead somewhere, examples print what stands below them."""
+
+import pathlib
+import re
+import subprocess
+import unittest
+
+from camera import Camera
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+EXAMPLE_LIMIT = 60  # seconds
+
+
+def documents():
+    found = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard", "*.md"], cwd=ROOT,
+                           stdout=subprocess.PIPE, text=True)
+    names = found.stdout.split() or [str(path.relative_to(ROOT)) for path in ROOT.rglob("*.md")
+                                     if "build" not in path.parts]
+    return [ROOT / name for name in names]
+
+
+def examples(path):
+    """The commands of a document's console blocks, each with the lines it shall print."""
+    for block in re.findall(r"```console\n(.*?)```", path.read_text(), re.S):
+        command, expected = None, []
+        for line in block.splitlines():
+            if line.startswith("$ "):
+                if command is not None:
+                    yield command, expected
+                command, expected = line[2:], []
+            else:
+                expected.append(line)
+        yield command, expected
+
+
+def fits(expected, printed):
+    """Whether lines are as expected: "..." is any part of a line; alone, any lines."""
+    if not expected:
+        return not printed
+    if expected[0] == "...":
+        return any(fits(expected[1:], printed[skipped:]) for skipped in range(len(printed) + 1))
+    if not printed:
+        return False
+    pattern = re.escape(expected[0]).replace(r"\.\.\.", ".*")
+    return re.fullmatch(pattern, printed[0]) is not None and fits(expected[1:], printed[1:])
+
+
+class Links(unittest.TestCase):
+    def test_lead_somewhere(self):
+        for document in documents():
+            for target in re.findall(r"\]\(([^)#:]+)(?:#[^)]*)?\)", document.read_text()):
+                with self.subTest(str(document.relative_to(ROOT)), link=target):
+                    self.assertTrue((document.parent / target).exists())
+
+
+class Examples(unittest.TestCase):
+    def check(self, name):
+        count = 0
+        with Camera() as camera:
+            for command, expected in examples(ROOT / "docs" / name):
+                count += 1
+                used = command.replace("8080", str(camera.http)).replace("8554", str(camera.rtsp))
+                used = used.replace("localhost", "127.0.0.1")
+                result = subprocess.run(["bash", "-c", used], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                        timeout=EXAMPLE_LIMIT, text=True, errors="replace")
+                printed = result.stdout.replace("\r", "").splitlines()
+                with self.subTest(command):
+                    self.assertTrue(fits(expected, printed), "printed:\n" + result.stdout)
+        self.assertGreater(count, 0)
+
+    def test_camera(self):
+        self.check("camera.md")
+
+    def test_rtsp(self):
+        self.check("rtsp.md")
+
+    def test_api_device(self):
+        self.check("api/device.md")
+
+    def test_every_page_with_examples_is_tried(self):
+        pages = {str(path.relative_to(ROOT / "docs")) for path in (ROOT / "docs").rglob("*.md")
+                 if "```console\n" in path.read_text()}
+        self.assertEqual({"camera.md", "rtsp.md", "api/device.md"}, pages)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)

@@ -1,0 +1,327 @@
+// Tracks over UDP: packets, reports, ports.
+
+#include "ByteOrder.h"
+#include "RTSP_RTCPLink.h"
+#include "RTSP_RTCPLink_UDP_Multicast.h"
+#include "RTSP_RTPLink.h"
+#include "RTSP_RTPLink_UDP_Multicast.h"
+#include "RtspWorld.h"
+
+#include <arpa/inet.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace
+{
+
+const unsigned char* Bytes(const std::string& text)
+{
+    return reinterpret_cast<const unsigned char*>(text.data());
+}
+
+class RtspUdp : public ::testing::Test
+{
+protected:
+    RtspUdp()
+    {
+        world.BeginLive();
+        peer.Send("DESCRIBE " + world.Url("/live/one") + " RTSP/1.0\r\nCSeq: 1\r\n\r\n");
+        peer.ReadAnswer();
+    }
+    void SetUpTrack(int track)
+    {
+        peer.Send("SETUP " + world.Url("/live/one/trackID=" + std::to_string(track)) +
+                  " RTSP/1.0\r\nCSeq: 2\r\nTransport: RTP/AVP;unicast;client_port=" + std::to_string(rtp.Port()) + "-" +
+                  std::to_string(rtcp.Port()) + "\r\n\r\n");
+        setupAnswer = peer.ReadAnswer();
+    }
+    void Play(int track = 0)
+    {
+        SetUpTrack(track);
+        peer.Send("PLAY " + world.Url("/live/one") + " RTSP/1.0\r\nCSeq: 3\r\n\r\n");
+        peer.ReadAnswer();
+    }
+    int ServerPort(int which) const
+    {
+        int first = 0;
+        int second = 0;
+        const std::size_t begin = setupAnswer.find("server_port=");
+        std::sscanf(setupAnswer.c_str() + begin, "server_port=%d-%d", &first, &second);
+        return which == 0 ? first : second;
+    }
+
+    static int OpenDescriptors()
+    {
+        const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+        return static_cast<int>(std::distance(begin(descriptors), end(descriptors)));
+    }
+
+    RtspWorld world;
+    Peer peer = world.Connect();
+    UdpPeer rtp{[this]
+                {
+                    world.Round();
+                }};
+    UdpPeer rtcp{[this]
+                 {
+                     world.Round();
+                 }};
+    std::string setupAnswer;
+};
+
+TEST_F(RtspUdp, PacketsComeWithoutTheInterleaveHeader)
+{
+    Play();
+    world.PushVideo(1, 0, KeyFrame(), true, 2000000);
+    const std::string sps = rtp.Read();
+    EXPECT_EQ(16u, sps.size());
+    EXPECT_EQ(std::string("\x80\x60", 2), sps.substr(0, 2));
+    EXPECT_EQ(std::string("\x67\x42\xc0\x1e", 4), sps.substr(12));
+    EXPECT_EQ(16u, rtp.Read().size());
+    EXPECT_EQ(std::string("\x80\xe0", 2), rtp.Read().substr(0, 2));
+}
+
+TEST_F(RtspUdp, ALargeFrameComesWholeAndInOrder)
+{
+    Play();
+    world.PushVideo(1, 0, KeyFrame(60000), true, 2000000);
+    std::uint16_t next = 0;
+    std::size_t payload = 0;
+    for (bool first = true, last = false; !last; first = false)
+    {
+        const std::string packet = rtp.Read();
+        ASSERT_GE(packet.size(), 12u);
+        ASSERT_LE(packet.size(), 1472u);
+        const std::uint16_t sequence = GetBE16(Bytes(packet) + 2);
+        if (!first)
+        {
+            ASSERT_EQ(next, sequence);
+        }
+        next = static_cast<std::uint16_t>(sequence + 1);
+        last = (packet[1] & 0x80) != 0;
+        if (packet.size() > 16)
+            payload += packet.size() - 14;
+    }
+    EXPECT_EQ(59999u, payload);
+}
+
+TEST_F(RtspUdp, AReportFollowsTheFirstPacket)
+{
+    Play();
+    world.PushVideo(1, 0, KeyFrame(), true, 1700000000123456ULL);
+    const std::string first = rtp.Read();
+    const std::string report = rtcp.Read();
+    ASSERT_GE(report.size(), 56u);
+    EXPECT_EQ(std::string("\x80\xc8\x00\x06", 4), report.substr(0, 4));
+    EXPECT_EQ(first.substr(8, 4), report.substr(4, 4));                  // SSRC
+    EXPECT_EQ(1700000000u + 0x83AA7E80u, GetBE32(Bytes(report) + 8));    // NTP seconds
+    EXPECT_EQ(123456u, GetBE32(Bytes(report) + 12));                     // microseconds, as they are
+    EXPECT_EQ(first.substr(4, 4), report.substr(16, 4));                 // RTP timestamp
+    EXPECT_EQ(1u, GetBE32(Bytes(report) + 20));                          // packets: the one that went out
+    EXPECT_EQ(4u, GetBE32(Bytes(report) + 24));                          // octets: the SPS
+    EXPECT_EQ(std::string("\x81\xca\x00\x06", 4), report.substr(28, 4)); // source description
+    EXPECT_EQ(std::string("\x01\x11", 2), report.substr(36, 2));         // CNAME of 17 bytes
+    EXPECT_EQ(56u, report.size());
+}
+
+TEST_F(RtspUdp, AReportFollowsWhenMoreThanSevenSecondsOfMediaHavePassed)
+{
+    Play();
+    world.PushVideo(1, 0, KeyFrame(), true, 1000000);
+    rtcp.Read();
+    world.PushVideo(1, 0, DeltaFrame(), false, 1000000 + 6999999); // not yet
+    world.Rounds(3);
+    world.PushVideo(1, 0, KeyFrame(), true, 1000000 + 7000000);
+    const std::string report = rtcp.Read();
+    EXPECT_EQ(8u, GetBE32(Bytes(report) + 8) - 0x83AA7E80u);
+    EXPECT_EQ(5u, GetBE32(Bytes(report) + 20)); // 3 of the first frame, 1, and the first of this frame
+}
+
+TEST_F(RtspUdp, SoundHasItsOwnLink)
+{
+    Play(1);
+    world.PushAudio(1, 0, AudioFrame(), 2000000);
+    const std::string packet = rtp.Read();
+    EXPECT_EQ(332u, packet.size());
+    EXPECT_EQ(std::string("\x80\x88", 2), packet.substr(0, 2));
+}
+
+// By default a live audio track has the clock 0, so its time stamps stand still; clients see it so.
+TEST_F(RtspUdp, TheTimeStampOfLiveSoundStandsStill)
+{
+    Play(1);
+    world.PushAudio(1, 0, AudioFrame(), 2000000);
+    world.PushAudio(1, 0, AudioFrame(), 2040000);
+    const std::string first = rtp.Read();
+    EXPECT_EQ(first.substr(4, 4), rtp.Read().substr(4, 4));
+}
+
+TEST_F(RtspUdp, TheTimeStampOfLiveSoundAdvancesWhenStandardRtspIsChosen)
+{
+    CPolicy::SetCurrent(CPolicy(1));
+    peer = world.Connect();
+    peer.Send("DESCRIBE " + world.Url("/live/one") + " RTSP/1.0\r\nCSeq: 1\r\n\r\n");
+    peer.ReadAnswer();
+    Play(1);
+    world.PushAudio(1, 0, AudioFrame(), 2000000);
+    world.PushAudio(1, 0, AudioFrame(), 2040000);
+    const std::uint32_t first = GetBE32(Bytes(rtp.Read()) + 4);
+    EXPECT_EQ(first + 320, GetBE32(Bytes(rtp.Read()) + 4));
+}
+
+TEST_F(RtspUdp, WhatAClientSendsToTheLinksIsReadAndDropped)
+{
+    Play();
+    for (int i = 0; i < 20; ++i)
+    {
+        rtp.SendTo(static_cast<unsigned short>(ServerPort(0)), "punch");
+        rtcp.SendTo(static_cast<unsigned short>(ServerPort(1)), std::string(2000, 'r'));
+    }
+    world.Rounds(50);
+    world.PushVideo(1, 0, KeyFrame(), true, 2000000);
+    EXPECT_EQ(16u, rtp.Read().size());
+}
+
+TEST_F(RtspUdp, AClientThatGoesTakesItsLinksAlong)
+{
+    const int before = OpenDescriptors();
+    SetUpTrack(0);
+    EXPECT_EQ(before + 2, OpenDescriptors());
+    peer.Close();
+    world.Rounds(4);
+    EXPECT_EQ(before - 2, OpenDescriptors()); // both ends of the connection
+}
+
+TEST_F(RtspUdp, NoTwoTracksShareAPort)
+{
+    SetUpTrack(0);
+    const int port = ServerPort(0);
+    while (world.server->NextPort() != port)
+        world.server->IncreasePort();
+    SetUpTrack(1);
+    EXPECT_NE(port, ServerPort(0));
+    EXPECT_NE(port, ServerPort(1));
+}
+
+// A client that asked for the frame first waits for a key frame and so keeps it from those behind it.
+TEST_F(RtspUdp, AWaitingClientKeepsFramesFromThoseBehindIt)
+{
+    Play();
+    world.PushVideo(1, 0, KeyFrame(), true, 2000000);
+    world.Rounds(3);
+    RTSP_MANAGER_KEY key{1, 0, NETNS::RTSP_FRAME_VIDEO};
+    CSharedDataList* behind = world.data.CreateSharedDataList(key.id, key.stream, key.type, -1, 2000);
+    world.PushVideo(1, 0, DeltaFrame(), false, 2040000); // the new list refuses it, the playing one has it
+    for (int i = 0; i < 4; ++i)
+        EXPECT_FALSE(rtp.Read().empty());
+    EXPECT_EQ(0, behind->Size());
+    world.data.DelSharedDataList(behind);
+}
+
+class RtspPorts : public ::testing::Test
+{
+protected:
+    RtspWorld world;
+};
+
+TEST_F(RtspPorts, CountUpByOneFrom20000)
+{
+    EXPECT_EQ(20000, world.server->NextPort());
+    world.server->IncreasePort();
+    EXPECT_EQ(20001, world.server->NextPort());
+}
+
+TEST_F(RtspPorts, GoBackTo20000Behind49999)
+{
+    while (world.server->NextPort() != 49999)
+        world.server->IncreasePort();
+    world.server->IncreasePort();
+    EXPECT_EQ(20000, world.server->NextPort());
+}
+
+TEST_F(RtspPorts, AFailedGroupLeavesNoSocketOpen)
+{
+    const int before = dup(0);
+    close(before);
+    EXPECT_EQ(-1, world.server->Create_A_Valid_Sock(0, "0.0.0.0", 6000));
+    const int after = dup(0);
+    close(after);
+    EXPECT_EQ(before, after);
+}
+
+TEST_F(RtspPorts, BothOutputsAreAskedFor)
+{
+    const RTSP_STREAM_CFG config;
+    CRTSP_RTPLink* rtp = nullptr;
+    CRTSP_RTCPLink* rtcp = nullptr;
+    EXPECT_DEATH(world.server->Create_RTP_RTCP_Link_UDP(nullptr, 1, nullptr, &rtp, "127.0.0.1", 1, 2, &config), "");
+    EXPECT_DEATH(world.server->Create_RTP_RTCP_Link_UDP(nullptr, 1, &rtcp, nullptr, "127.0.0.1", 1, 2, &config), "");
+}
+
+/// The shared links, made on plain sockets: no group is joined.
+class RtspMulticast : public ::testing::Test
+{
+protected:
+    CRTSP_RTPLink* MakeRtp()
+    {
+        const int sock = world.server->Create_A_Valid_Sock(1, "127.0.0.1", 0);
+        sockets.push_back(sock);
+        return CRTSP_RTPLink_UDP_Multicast::Create_RTSP_RTPLink_UDP_Multicast(
+            {nullptr, htonl(INADDR_LOOPBACK), receiver.Port(), {}, 1, 1, world.scheduler, sock});
+    }
+    CRTSP_RTCPLink* MakeRtcp()
+    {
+        const int sock = world.server->Create_A_Valid_Sock(1, "127.0.0.1", 0);
+        sockets.push_back(sock);
+        return CRTSP_RTCPLink_UDP_Multicast::Create_RTSP_RTCPLink_UDP_Multicast(
+            {nullptr, htonl(INADDR_LOOPBACK), reports.Port(), 0, 1, world.scheduler, sock, 0});
+    }
+    CSharedDataList* MakeList() { return world.data.CreateSharedDataList(1, 0, NETNS::RTSP_FRAME_VIDEO, -1, 2000); }
+
+    RtspWorld world;
+    UdpPeer receiver{[this]
+                     {
+                         world.Round();
+                     }};
+    UdpPeer reports{[this]
+                    {
+                        world.Round();
+                    }};
+    std::vector<int> sockets;
+};
+
+TEST_F(RtspMulticast, ALaterClientSharesTheLink)
+{
+    CRTSP_RTPLink* first = MakeRtp();
+    CRTSP_RTPLink* second = MakeRtp();
+    EXPECT_EQ(first, second);
+    second->Destroy();
+    EXPECT_NE(0, first->GetPort()); // still open
+    first->Destroy();
+    EXPECT_EQ(0, close(sockets[1])); // the second client's socket had nothing on it
+}
+
+TEST_F(RtspMulticast, TheFirstStopLeavesTheStreamFlowing)
+{
+    world.BeginLive();
+    CRTSP_RTCPLink* rtcp = MakeRtcp();
+    CRTSP_RTPLink* rtp = MakeRtp();
+    rtp->RTSP_RTPLink_Start(MakeList(), rtcp);
+    rtcp->RTSP_RTCPLink_Start(rtp);
+    MakeRtp()->RTSP_RTPLink_Start(MakeList(), rtcp);
+    rtp->RTSP_RTPLink_Stop();
+    world.PushVideo(1, 0, KeyFrame(), true, 2000000);
+    EXPECT_EQ(16u, receiver.Read().size());
+    EXPECT_EQ(56u, reports.Read().size());
+    rtp->RTSP_RTPLink_Stop();
+    EXPECT_FALSE(rtp->HasDataToSend());
+    rtcp->Destroy();
+    rtp->Destroy();
+    rtp->Destroy();
+    close(sockets[2]);
+}
+
+} // namespace

@@ -1,0 +1,17 @@
+#!/bin/sh
+# Runs every fuzz target for FUZZ_SECONDS (60) each, from its seed corpus. What it finds stays under build/fuzz.
+# usage: fuzz.sh [target...]
+set -eu
+cd "$(dirname "$0")/.."
+
+cmake --preset fuzz
+cmake --build --preset fuzz
+if [ $# -eq 0 ]; then
+  set -- $(cd build/fuzz/Fuzz && find . -maxdepth 1 -type f -perm -u+x -name 'Fuzz*' | sed 's|^\./||' | sort)
+fi
+for target in "$@"; do
+  echo "== $target"
+  mkdir -p "build/fuzz/found/$target"
+  "build/fuzz/Fuzz/$target" -max_total_time="${FUZZ_SECONDS:-60}" -print_final_stats=1 \
+    -artifact_prefix="build/fuzz/found/$target-" "build/fuzz/found/$target" "Fuzz/corpus/$target"
+done
