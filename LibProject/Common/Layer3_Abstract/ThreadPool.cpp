@@ -121,7 +121,7 @@ bool CThreadPool::CreateThread(bool idle)
         event->SetEvent();
     }
     m_threads[id] = tagThreadData{idle, event.get(), handle, id};
-    event.release();
+    static_cast<void>(event.release());
     SHARESDK_ResumeThread(handle);
     return true;
 }

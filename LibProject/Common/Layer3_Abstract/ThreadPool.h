@@ -56,7 +56,7 @@ private:
         unsigned int id;
     };
 
-    static void _ThreadProc(void* pool);
+    static void _ThreadProc(void* pool); // NOLINT(bugprone-reserved-identifier)
     void ThreadLoop();
     bool CreateThread(bool idle);
     bool GetThreadProc(unsigned int threadId, void (*&function)(void*), void*& argument);
