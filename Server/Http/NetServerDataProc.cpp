@@ -3,7 +3,6 @@
 #include "AlarmServer.h"
 #include "DevInterface.h"
 #include "HttpProtocolAnalyse.h"
-#include "PFFile.h"
 #include "QlxApiProtocolProc.h"
 #include "ShareSDK.h"
 
@@ -45,13 +44,7 @@ int NotFound(CHttpProtocolAnalyse& response)
     return 0;
 }
 
-struct FileBytes
-{
-    std::unique_ptr<char[]> data;
-    int size = 0;
-};
-
-bool ReadAll(int descriptor, FileBytes& file)
+bool ReadAll(int descriptor, CNetServerDataProc::FileBytes& file)
 {
     int done = 0;
     while (done < file.size)
@@ -67,25 +60,39 @@ bool ReadAll(int descriptor, FileBytes& file)
     return done > 0;
 }
 
-/// Reads a regular file whole. Pipes and devices are not opened for good: opening one may wait or have effects.
-bool ReadRegularFile(const std::string& path, FileBytes& file)
+enum FILE_STATE
 {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor == -1)
-        return false;
+    FILE_READ,      ///< a regular file, read whole
+    FILE_MISSING,   ///< nothing, a directory, a link or a socket: the host may put a file there
+    FILE_UNREADABLE ///< a pipe or a device, an empty or a huge file, or no right to read it
+};
+
+/// Reads a regular file whole. A pipe or a device is not even opened: that may wait, or set a device going.
+FILE_STATE ReadRegularFile(const std::string& path, CNetServerDataProc::FileBytes& file)
+{
     struct stat status
     {
     };
-    bool good = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0 &&
-                status.st_size <= INT_MAX - RESPONSE_ROOM;
-    if (good)
+    if (lstat(path.c_str(), &status) != 0 || S_ISDIR(status.st_mode) || S_ISLNK(status.st_mode) ||
+        S_ISSOCK(status.st_mode))
+        return FILE_MISSING;
+    if (!S_ISREG(status.st_mode))
+        return FILE_UNREADABLE;
+    // Another kind of file may have taken the name in between.
+    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC);
+    if (descriptor == -1)
+        return FILE_UNREADABLE;
+    FILE_STATE state = FILE_UNREADABLE;
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0 &&
+        status.st_size <= INT_MAX - RESPONSE_ROOM)
     {
         file.size = static_cast<int>(status.st_size);
         file.data.reset(new char[static_cast<std::size_t>(file.size)]);
-        good = ReadAll(descriptor, file);
+        if (ReadAll(descriptor, file))
+            state = FILE_READ;
     }
     close(descriptor);
-    return good;
+    return state;
 }
 
 } // namespace
@@ -134,10 +141,8 @@ int CNetServerDataProc::AnalysisRequest(const std::string& ip, const CHttpProtoc
 int CNetServerDataProc::ServeFile(const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response)
 {
     const std::string& url = request.GetUrl();
-    std::string path;
     FileBytes file;
-    if (m_webRoot.empty() || url.find('\0') != std::string::npos || !FindFile(url, path) ||
-        !ReadRegularFile(path, file))
+    if (m_webRoot.empty() || url.find('\0') != std::string::npos || !FindFile(url, file))
         return NotFound(response);
     ModifyFileVertionInfo(file.data.get(), static_cast<unsigned int>(file.size), m_oldVersion.c_str(),
                           m_newVersion.c_str());
@@ -146,25 +151,25 @@ int CNetServerDataProc::ServeFile(const CHttpProtocolAnalyse& request, CHttpProt
     return 1;
 }
 
-/// Finds the file of a URL; a missing one the host may write in the moment that it is asked for it.
-bool CNetServerDataProc::FindFile(const std::string& url, std::string& path)
+/// Reads the file of a URL; a missing one the host may write in the moment that it is asked for it.
+bool CNetServerDataProc::FindFile(const std::string& url, FileBytes& file)
 {
-    path = m_webRoot + url;
-    if (url.empty())
+    std::string path = m_webRoot + (url.empty() ? "index.htm" : url);
+    FILE_STATE state = ReadRegularFile(path, file);
+    if (state == FILE_MISSING && url.empty())
     {
-        path = m_webRoot + "index.htm";
-        if (!CPFFile::FileExist(path.c_str()))
-            path = m_webRoot + "index.html";
+        path += 'l';
+        state = ReadRegularFile(path, file);
     }
-    if (CPFFile::FileExist(path.c_str()))
-        return true;
-    if (m_dev == nullptr)
-        return false;
-    char* buffer = nullptr;
-    int length = 0;
-    m_dev->GetWebFile(path.c_str(), buffer, length);
-    m_dev->FreeBuffer(buffer);
-    return CPFFile::FileExist(path.c_str());
+    if (state == FILE_MISSING && m_dev != nullptr)
+    {
+        char* buffer = nullptr;
+        int length = 0;
+        m_dev->GetWebFile(path.c_str(), buffer, length);
+        m_dev->FreeBuffer(buffer);
+        state = ReadRegularFile(path, file);
+    }
+    return state == FILE_READ;
 }
 
 int CNetServerDataProc::ServeCommand(const std::string& ip, const CHttpProtocolAnalyse& request,
