@@ -86,7 +86,7 @@ CConnection::CConnection(CFileDescriptor socket, const sockaddr_in& peer, std::s
 
 CConnection::CConnection(const in_addr* address, unsigned short port, std::shared_ptr<CQuitSignal> quit)
     : m_socket(address != nullptr ? OpenSocket() : CFileDescriptor()), m_quit(std::move(quit)),
-      m_connectBeganMs(MonotonicMs()), m_state(State::Failed), m_node(*this)
+      m_connectDeadlineMs(DeadlineAfter(SEND_CONNECT_MS)), m_state(State::Failed), m_node(*this)
 {
     if (address == nullptr)
     {
@@ -140,7 +140,7 @@ CConnection::State CConnection::ResolveConnect(std::uint64_t deadlineMs)
 
 int CConnection::ConnectResult(unsigned int timeoutMs)
 {
-    switch (ResolveConnect(MonotonicMs() + timeoutMs))
+    switch (ResolveConnect(DeadlineAfter(timeoutMs)))
     {
     case State::Connecting:
         return 0;
@@ -197,12 +197,12 @@ int CConnection::Recv(char* buffer, int length, bool* broken)
 
 bool CConnection::WaitRecv(unsigned int timeoutMs)
 {
-    return m_state == State::Failed || Wait(POLLIN, MonotonicMs() + timeoutMs);
+    return m_state == State::Failed || Wait(POLLIN, DeadlineAfter(timeoutMs));
 }
 
 int CConnection::Send(const char* data, int length, bool& broken)
 {
-    if (ResolveConnect(m_connectBeganMs + SEND_CONNECT_MS) != State::Connected)
+    if (ResolveConnect(m_connectDeadlineMs) != State::Connected)
     {
         GiveUpConnect();
         broken = true;
@@ -213,7 +213,7 @@ int CConnection::Send(const char* data, int length, bool& broken)
         return 0;
     }
     int sent = SendNow(m_socket.Get(), data, length, broken);
-    if (sent == WOULD_BLOCK && Wait(POLLOUT, MonotonicMs() + SEND_WINDOW_MS))
+    if (sent == WOULD_BLOCK && Wait(POLLOUT, DeadlineAfter(SEND_WINDOW_MS)))
     {
         sent = SendNow(m_socket.Get(), data, length, broken);
     }

@@ -69,7 +69,7 @@ private:
     const std::shared_ptr<CQuitSignal> m_quit;
     const std::shared_ptr<CListener> m_listener; // null for an outgoing connection
     int m_handle = 0;
-    std::uint64_t m_connectBeganMs = 0;
+    const std::uint64_t m_connectDeadlineMs = 0; // up to then a send waits for the connect
 
     std::mutex m_connectLock; // the outcome of a connect can be asked of the system once
     std::atomic<State> m_state;

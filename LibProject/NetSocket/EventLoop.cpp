@@ -138,7 +138,7 @@ void CEventLoop::Linger(std::shared_ptr<CConnection> connection)
         oldest = std::move(m_lingering.front());
         m_lingering.erase(m_lingering.begin());
     }
-    m_lingering.push_back({std::move(connection), MonotonicMs() + LINGER_MS});
+    m_lingering.push_back({std::move(connection), DeadlineAfter(LINGER_MS)});
     if (m_lingering.size() == 1)
     {
         event_add(m_sweepEvent, &SWEEP_INTERVAL);

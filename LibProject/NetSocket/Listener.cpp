@@ -208,7 +208,7 @@ CFileDescriptor CListener::AcceptWithReserve(sockaddr_in& peer)
     std::lock_guard<std::mutex> lock(m_reserveLock);
     if (!m_refusing.exchange(true))
     {
-        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+        Report("no descriptor is left, connections are refused");
     }
     if (!m_reserve.IsOpen() && !OpenReserve())
     {
@@ -238,13 +238,20 @@ void CListener::PauseAfterFailure()
     m_changed.wait_for(lock, FAILURE_PAUSE, [this] { return m_stopping; });
 }
 
+void CListener::Report(const char* what) const
+{
+    char text[256];
+    std::snprintf(text, sizeof(text), "port %u: %s", static_cast<unsigned int>(m_port), what);
+    SHARESDK_AbnormalOutput(text, __FILE__, __LINE__);
+}
+
 void CListener::HandOver(CFileDescriptor socket, const sockaddr_in& peer)
 {
     const auto connection = std::make_shared<CConnection>(std::move(socket), peer, m_quit, shared_from_this());
     const int handle = m_table.Insert(connection);
     if (handle == 0)
     {
-        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+        Report("too many connections, one is refused");
         connection->Cut();
         return;
     }

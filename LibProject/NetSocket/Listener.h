@@ -50,6 +50,7 @@ private:
     bool OpenReserve();
     void HandOver(CFileDescriptor socket, const sockaddr_in& peer);
     void PauseAfterFailure();
+    void Report(const char* what) const;
 
     CListenSocketObserver* const m_observer;
     CConnectionTable& m_table;

@@ -144,7 +144,7 @@ int NET_SOCKET_SimpleClientComm(const char* ip, unsigned short port, const char*
     {
         return -1;
     }
-    CSimpleClient client(*quit, MonotonicMs() + timeoutMs);
+    CSimpleClient client(*quit, DeadlineAfter(timeoutMs));
     if (!client.Connect(address, port))
     {
         return -1;

@@ -52,7 +52,7 @@ void CSocketService::Quit()
     m_quit->Give();
     lock.unlock();
 
-    const std::uint64_t deadlineMs = MonotonicMs() + QUIT_LINGER_MS;
+    const std::uint64_t deadlineMs = DeadlineAfter(QUIT_LINGER_MS);
     for (const auto& listener : listeners)
     {
         listener.second->Stop();

@@ -44,6 +44,11 @@ std::uint64_t MonotonicMs()
     return static_cast<std::uint64_t>(now.tv_sec) * 1000 + static_cast<std::uint64_t>(now.tv_nsec) / 1000000;
 }
 
+std::uint64_t DeadlineAfter(std::uint64_t waitMs)
+{
+    return waitMs == 0 ? 0 : MonotonicMs() + waitMs + 1; // the clock's millisecond may be nearly over
+}
+
 int PollUntil(pollfd* descriptors, unsigned int count, std::uint64_t deadlineMs)
 {
     for (;;)

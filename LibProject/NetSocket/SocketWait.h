@@ -45,6 +45,9 @@ private:
 /// Milliseconds of the monotonic clock.
 std::uint64_t MonotonicMs();
 
+/// @return the deadline for a wait of at least so long; 0 waits not at all
+std::uint64_t DeadlineAfter(std::uint64_t waitMs);
+
 /// poll() that goes on after signals of the operating system, until the deadline.
 /// @param deadlineMs  as of MonotonicMs; NO_DEADLINE waits for ever
 /// @return descriptors with something to tell, 0 when the deadline has passed
