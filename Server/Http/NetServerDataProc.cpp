@@ -35,7 +35,9 @@ constexpr int STATUS_NOT_FOUND = 404;
 std::string TextOrEmpty(const char* text)
 {
     if (text == nullptr)
+    {
         SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+    }
     return text == nullptr ? std::string() : std::string(text);
 }
 
@@ -58,9 +60,13 @@ bool ReadAll(int descriptor, FileBytes& file)
     {
         const ssize_t count = read(descriptor, file.data.get() + done, static_cast<std::size_t>(file.size - done));
         if (count < 0 && errno == EINTR)
+        {
             continue;
+        }
         if (count <= 0)
+        {
             break;
+        }
         done += static_cast<int>(count);
     }
     file.size = done;
@@ -72,7 +78,9 @@ bool ReadRegularFile(const std::string& path, FileBytes& file)
 {
     const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (descriptor == -1)
+    {
         return false;
+    }
     struct stat status
     {
     };
@@ -100,7 +108,9 @@ int CNetServerDataProc::Initial(unsigned int channels, unsigned int alarmOuts, u
                                 const char* oldVersion, const char* newVersion, unsigned int flags)
 {
     if (dev == nullptr)
+    {
         SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+    }
     m_dev = dev;
     m_oldVersion = TextOrEmpty(oldVersion);
     m_newVersion = TextOrEmpty(newVersion);
@@ -109,7 +119,9 @@ int CNetServerDataProc::Initial(unsigned int channels, unsigned int alarmOuts, u
     {
         CQLXApiProc::Instance().Init(channels, dev);
         for (const QLX_API_COMMAND& command : QlxApiCommands())
+        {
             m_commands[command.word] = command.value;
+        }
         m_unused.assign(1, std::string());
     }
     CAlarmServer::Instance().Initial(channels, alarmOuts, sensors);
@@ -121,7 +133,9 @@ int CNetServerDataProc::Start(const char* webRoot)
     m_webRoot = TextOrEmpty(webRoot);
     // A root of nothing but the slash would be the whole file system.
     if (!m_webRoot.empty() && m_webRoot.back() != '/')
+    {
         m_webRoot += '/';
+    }
     return 1;
 }
 
@@ -138,7 +152,9 @@ int CNetServerDataProc::ServeFile(const CHttpProtocolAnalyse& request, CHttpProt
     FileBytes file;
     if (m_webRoot.empty() || url.find('\0') != std::string::npos || !FindFile(url, path) ||
         !ReadRegularFile(path, file))
+    {
         return NotFound(response);
+    }
     ModifyFileVertionInfo(file.data.get(), static_cast<unsigned int>(file.size), m_oldVersion.c_str(),
                           m_newVersion.c_str());
     response.SetURL(url); // its extension decides on the type
@@ -154,12 +170,18 @@ bool CNetServerDataProc::FindFile(const std::string& url, std::string& path)
     {
         path = m_webRoot + "index.htm";
         if (!CPFFile::FileExist(path.c_str()))
+        {
             path = m_webRoot + "index.html";
+        }
     }
     if (CPFFile::FileExist(path.c_str()))
+    {
         return true;
+    }
     if (m_dev == nullptr)
+    {
         return false;
+    }
     char* buffer = nullptr;
     int length = 0;
     m_dev->GetWebFile(path.c_str(), buffer, length);
@@ -180,7 +202,9 @@ int CNetServerDataProc::ServeCommand(const std::string& ip, const CHttpProtocolA
     }
     // This device offers no ONVIF service, and the host is not asked for one either.
     if (url.compare(0, std::strlen(ONVIF_PREFIX), ONVIF_PREFIX) == 0)
+    {
         return NotFound(response);
+    }
     int length = 0;
     const char* message = request.GetBuf(length);
     const bool isHosts = std::any_of(std::begin(HOST_MARKERS), std::end(HOST_MARKERS),
@@ -191,7 +215,9 @@ int CNetServerDataProc::ServeCommand(const std::string& ip, const CHttpProtocolA
 int CNetServerDataProc::ServeByHost(const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response)
 {
     if (m_dev == nullptr)
+    {
         return NotFound(response);
+    }
     int length = 0;
     const char* message = request.GetBuf(length);
     char* body = nullptr;
@@ -201,7 +227,9 @@ int CNetServerDataProc::ServeByHost(const CHttpProtocolAnalyse& request, CHttpPr
     response.SetURL(request.GetUrl());
     response.SetResPackage(status, body, bodyLength, "");
     if (body != nullptr)
+    {
         m_dev->FreeBuffer(body);
+    }
     return 1;
 }
 
@@ -216,13 +244,19 @@ int CNetServerDataProc::ModifyFileVertionInfo(char* text, unsigned int len, cons
     const std::size_t length = std::strlen(oldVersion);
     // Where the overwriting would change nothing the search would find the same place again and again.
     if (length == 0 || std::strncmp(oldVersion, newVersion, length) == 0)
+    {
         return 0;
+    }
     char* end = text + strnlen(text, len);
     char* hit = static_cast<char*>(memmem(text, static_cast<std::size_t>(end - text), oldVersion, length));
     if (hit == nullptr)
+    {
         return -1;
+    }
     if (std::strlen(newVersion) != length)
+    {
         SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+    }
     while (hit != nullptr)
     {
         // Always as many bytes as the old text has, so that the file keeps its size.
