@@ -31,10 +31,11 @@ std::string Encoder(const CameraOptions& options, const std::string& index, unsi
            APPSINK + "video" + index;
 }
 
-// A queue that drops old pictures: an encoder that falls behind shall not delay what comes.
+// A queue that drops old pictures: it lets a busy machine catch up, but an encoder that is too slow does not fall behind
+// more and more.
 std::string Branch(const std::string& index)
 {
-    return " pictures. ! queue leaky=downstream max-size-buffers=2 max-size-bytes=0 max-size-time=0"
+    return " pictures. ! queue leaky=downstream max-size-buffers=8 max-size-bytes=0 max-size-time=0"
            " ! valve name=gate" +
            index + " ! ";
 }

@@ -23,6 +23,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #ifndef UDP_SEGMENT
@@ -36,7 +37,8 @@ constexpr unsigned int MAX_PACKETS_PER_FRAME = 44; // one segmented send takes 6
 constexpr int SEND_BUFFER_BYTES = 131072;
 
 const char USAGE[] = "usage: netserver-bench-bareloop --way tcp-send|tcp-sendmsg|udp-sendto|udp-gso\n"
-                     "                                [--clients N] [--packets N] [--fps N] [--seconds N]\n";
+                     "                                [--clients N] [--packets N] [--fps N] [--seconds N]\n"
+                     "       netserver-bench-bareloop --way http [--bytes N]\n";
 
 struct Options
 {
@@ -45,6 +47,7 @@ struct Options
     unsigned int packets = 14; // of a frame
     unsigned int fps = 25;
     unsigned int seconds = 5;
+    unsigned int bytes = 10240; // of an HTTP answer
 };
 
 struct Frame
@@ -256,12 +259,35 @@ double Run(const Options& options, const WayRow& way, const std::vector<Receiver
     return static_cast<double>(OwnCpuUs() - cpuBefore) / packets;
 }
 
+[[noreturn]] void ServeHttp(const Options& options)
+{
+    const int listener = OpenSocket(SOCK_STREAM);
+    const sockaddr_in address = BoundLocal(listener);
+    Require(listen(listener, 128) == 0, "listen");
+    std::string answer = "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(options.bytes) + "\r\n\r\n";
+    answer.append(options.bytes, 'x');
+    printf("ready port=%u\n", ntohs(address.sin_port));
+    fflush(stdout);
+    for (;;)
+    {
+        const int fd = accept(listener, nullptr, nullptr);
+        char request[4096];
+        if (recv(fd, request, sizeof(request), 0) > 0)
+            send(fd, answer.data(), answer.size(), MSG_NOSIGNAL);
+        close(fd);
+    }
+}
+
 Options ReadOptions(int argc, char** argv)
 {
     static const option OPTIONS[] = {
-        {"way", required_argument, nullptr, 'w'},     {"clients", required_argument, nullptr, 'c'},
-        {"packets", required_argument, nullptr, 'p'}, {"fps", required_argument, nullptr, 'f'},
-        {"seconds", required_argument, nullptr, 's'}, {nullptr, 0, nullptr, 0},
+        {"way", required_argument, nullptr, 'w'},
+        {"clients", required_argument, nullptr, 'c'},
+        {"packets", required_argument, nullptr, 'p'},
+        {"fps", required_argument, nullptr, 'f'},
+        {"seconds", required_argument, nullptr, 's'},
+        {"bytes", required_argument, nullptr, 'b'},
+        {nullptr, 0, nullptr, 0},
     };
     Options options;
     int letter = 0;
@@ -284,13 +310,17 @@ Options ReadOptions(int argc, char** argv)
         case 's':
             options.seconds = NumberOption("seconds", optarg);
             break;
+        case 'b':
+            options.bytes = NumberOption("bytes", optarg);
+            break;
         default:
             options.way = "";
             break;
         }
     }
     const bool sane = options.packets - 1 < MAX_PACKETS_PER_FRAME && options.fps != 0 && options.clients != 0;
-    if (FindWay(options.way) == nullptr || !sane)
+    const bool known = FindWay(options.way) != nullptr || strcmp(options.way, "http") == 0;
+    if (!known || !sane)
     {
         fputs(USAGE, stderr);
         exit(2);
@@ -302,8 +332,10 @@ Options ReadOptions(int argc, char** argv)
 int main(int argc, char** argv)
 {
     const Options options = ReadOptions(argc, argv);
-    const WayRow& way = *FindWay(options.way);
     RaiseDescriptorLimit();
+    if (strcmp(options.way, "http") == 0)
+        ServeHttp(options);
+    const WayRow& way = *FindWay(options.way);
     std::vector<Receiver> senders;
     std::vector<int> receivers;
     Connect(options, way.tcp, senders, receivers);

@@ -1,8 +1,8 @@
 // netserver-bench-host: serves one H.264 file at its frame rate, looped, without an encoder.
 //
 // The main thread waits for the end; one thread feeds the frames.
+#include "BareDevice.h"
 #include "BenchTools.h"
-#include "FakeDevice.h"
 #include "FrameStamp.h"
 #include "H264File.h"
 #include "LocalPorts.h"
@@ -51,16 +51,19 @@ struct Options
     bool stamp = false;
 };
 
-class Device : public FakeDevice
+class Device : public CBareDevice
 {
 public:
-    explicit Device(bool auth)
+    explicit Device(bool auth) : m_auth(auth) {}
+
+    bool NeedAuthorization() override { return m_auth; }
+
+    NETNS::DEV_RET GetUserList(NETNS::DEV_USER_INFO* list, int, int& count) override
     {
-        needAuthorization = auth;
-        NETNS::DEV_USER_INFO user = {};
-        snprintf(user.userName, sizeof(user.userName), "admin");
-        snprintf(user.password, sizeof(user.password), "admin");
-        users.push_back(user);
+        snprintf(list[0].userName, sizeof(list[0].userName), "admin");
+        snprintf(list[0].password, sizeof(list[0].password), "admin");
+        count = 1;
+        return NETNS::DEV_RET_OK;
     }
 
     NETNS::DEV_RET GetDevInfo(const char*, NETNS::DEV_DEVICE_INFO* info) override
@@ -74,6 +77,9 @@ public:
         snprintf(info->hardwareVersion, sizeof(info->hardwareVersion), "1.0");
         return NETNS::DEV_RET_OK;
     }
+
+private:
+    const bool m_auth;
 };
 
 class Streams : public CStreamCtrl

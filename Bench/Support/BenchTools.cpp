@@ -11,8 +11,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <system_error>
 
 std::uint64_t NowNs()
 {
@@ -31,12 +33,15 @@ void SleepUntilNs(std::uint64_t ns)
     }
 }
 
-std::uint64_t CpuOfProcessUs(pid_t pid)
+namespace
+{
+// From the fields utime and stime, the 12th and 13th behind the name in parentheses (proc(5)). They are as coarse as
+// the system's tick.
+std::uint64_t CpuByTicksUs(pid_t pid)
 {
     std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
     std::string line;
     std::getline(file, line);
-    // utime and stime are the 12th and 13th field behind the name in parentheses (proc(5)).
     const std::size_t name = line.rfind(')');
     if (name == std::string::npos)
         return 0;
@@ -48,6 +53,21 @@ std::uint64_t CpuOfProcessUs(pid_t pid)
     std::uint64_t system = 0;
     fields >> user >> system;
     return (user + system) * 1000000u / static_cast<std::uint64_t>(sysconf(_SC_CLK_TCK));
+}
+} // namespace
+
+std::uint64_t CpuOfProcessUs(pid_t pid)
+{
+    std::uint64_t ns = 0;
+    std::error_code error;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/task", error))
+    {
+        std::uint64_t taskNs = 0;
+        std::ifstream file(task.path() / "schedstat");
+        if (file >> taskNs)
+            ns += taskNs;
+    }
+    return ns != 0 ? ns / 1000u : CpuByTicksUs(pid);
 }
 
 std::uint64_t OwnCpuUs()

@@ -13,7 +13,8 @@ std::uint64_t NowNs();
 /// Sleeps until the monotonic clock shows `ns`.
 void SleepUntilNs(std::uint64_t ns);
 
-/// CPU time that a process has used, all its threads, in microseconds; 0 when there is no such process.
+/// CPU time that the threads of a process have used, in microseconds (not those that have ended); 0 when there is no
+/// such process.
 std::uint64_t CpuOfProcessUs(pid_t pid);
 
 /// CPU time that this process has used, in microseconds.

@@ -21,7 +21,7 @@ class Http(unittest.TestCase):
     def test_serves_its_page(self):
         result = self.curl("--include", self.camera.page())
         self.assertIn("HTTP/1.1 200 OK", result.stdout)
-        self.assertIn("Content-Type: text/html", result.stdout)
+        self.assertIn("Content-type: text/html\n", result.stdout)
         self.assertIn("<title>Network camera</title>", result.stdout)
 
     def test_page_knows_the_rtsp_port(self):

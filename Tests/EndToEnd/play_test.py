@@ -5,7 +5,7 @@ import signal
 import subprocess
 import unittest
 
-from camera import Camera, decode, packet_times, probe, run, steps, streams_of
+from camera import Camera, decode, odd_steps, played_times, probe, run, streams_of
 
 FPS = 25
 TRANSPORTS = ("tcp", "udp", "http")
@@ -42,14 +42,17 @@ class Play(unittest.TestCase):
     def test_time_stamps_advance_as_the_media_do(self):
         for transport in TRANSPORTS:
             with self.subTest(transport):
-                times = packet_times(self.camera.url(), transport, 5)
-                video, audio = times["video"], times["audio"]
+                times = played_times(self.camera.url(), transport, 5)
+                # ffprobe places the first packets over UDP anew when the first sender reports have come.
+                begin = 2 if transport == "udp" else 0
+                video, audio = times["video"][begin:], times["audio"][begin:]
                 self.assertGreaterEqual(len(video), 100)
                 self.assertGreaterEqual(len(audio), 100)
-                for step in steps(audio):
-                    self.assertAlmostEqual(0.040, step, delta=0.0015)
-                for step in steps(video):
-                    self.assertAlmostEqual(1 / FPS, step, delta=0.004)
+                odd, missing = odd_steps(audio, 0.040, 0.0015)
+                self.assertEqual(([], 0), (odd, missing))
+                odd, missing = odd_steps(video, 1 / FPS, 0.004)
+                self.assertEqual([], odd)
+                self.assertLess(missing, len(video) / 10)
                 # Neither clock runs away from the other.
                 self.assertAlmostEqual(video[-1] - video[0], audio[-1] - audio[0], delta=0.3)
 

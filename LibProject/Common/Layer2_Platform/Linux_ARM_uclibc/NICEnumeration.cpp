@@ -2,6 +2,7 @@
 
 #include "PFAssert.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
@@ -66,7 +67,7 @@ bool IsListed(const std::list<NICInfo>& list, const std::string& name)
 bool Ask(const NIC_SOURCES& sources, int socket, unsigned long request, const char* name, ifreq& answer)
 {
     answer = ifreq();
-    std::snprintf(answer.ifr_name, sizeof(answer.ifr_name), "%s", name);
+    std::memcpy(answer.ifr_name, name, std::min(std::strlen(name), sizeof(answer.ifr_name) - 1));
     return sources.control(socket, request, &answer) == 0;
 }
 

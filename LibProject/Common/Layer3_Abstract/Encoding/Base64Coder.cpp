@@ -256,13 +256,14 @@ void CBase64Coder::b64encode(unsigned char* buf)
     size_t written = 0;
     for (size_t i = 0; i < length; i += 3)
     {
+        const unsigned int first = buf[i];
         const unsigned int second = i + 1 < length ? buf[i + 1] : 0u;
         const unsigned int third = i + 2 < length ? buf[i + 2] : 0u;
-        text[written++] = encode(static_cast<unsigned char>(buf[i] >> 2));
-        text[written++] = encode(static_cast<unsigned char>(((buf[i] << 4) | (second >> 4)) & 0x3F));
-        text[written++] =
-            i + 1 < length ? encode(static_cast<unsigned char>(((second << 2) | (third >> 6)) & 0x3F)) : '=';
-        text[written++] = i + 2 < length ? encode(static_cast<unsigned char>(third & 0x3F)) : '=';
+        const unsigned int bits = (first << 16) | (second << 8) | third;
+        text[written++] = encode(static_cast<unsigned char>(bits >> 18));
+        text[written++] = encode(static_cast<unsigned char>((bits >> 12) & 0x3F));
+        text[written++] = i + 1 < length ? encode(static_cast<unsigned char>((bits >> 6) & 0x3F)) : '=';
+        text[written++] = i + 2 < length ? encode(static_cast<unsigned char>(bits & 0x3F)) : '=';
     }
     std::memcpy(buf, text.data(), written + 1);
 }
