@@ -23,7 +23,9 @@ int NET_SERVER_Initial(unsigned int channels, unsigned int alarmOuts, unsigned i
                        NETNS::DEV_TYPE /*type*/)
 {
     if (!NET_SOCKET_Initial(nullptr))
+    {
         return 0;
+    }
     CNetServerDataProc::Instance().Initial(channels, alarmOuts, sensors, dev, oldVersion, newVersion, flags);
     return 1;
 }
@@ -42,7 +44,9 @@ int NET_SERVER_SetHttpPort(unsigned short port)
 int NET_SERVER_RTSPStart(unsigned short port, CStreamCtrl* stream, CDevInterface* dev)
 {
     if (NET_SOCKET_Initial(nullptr))
+    {
         CRTSP_Manager::Instance().Start_RTSP_Manager(port, stream, dev);
+    }
     return 0;
 }
 

@@ -23,7 +23,9 @@ public:
     bool Wait(int handle)
     {
         if (m_waitedMs >= CNetServer::READ_BUDGET_MS)
+        {
             return false;
+        }
         const unsigned int begin = CPFHelper::GetTickCount();
         NET_SOCKET_WaitRecv(handle, CNetServer::READ_BUDGET_MS - m_waitedMs);
         m_lastWaitMs = CPFHelper::GetTickCount() - begin;
@@ -35,7 +37,9 @@ public:
     void NoteEmptyRead()
     {
         if (m_waits && m_lastWaitMs == 0)
+        {
             ++m_waitedMs;
+        }
         m_waits = true;
     }
     void NoteBytes() { m_waits = false; }
@@ -64,7 +68,9 @@ int CNetServer::Initial(unsigned int /*channels*/, CDevInterface* /*dev*/, unsig
 int CNetServer::start(unsigned short port, const char* webRoot, const char* /*cfgFile*/)
 {
     if (port == 0)
+    {
         SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+    }
     Stop();
     Listen(port);
     CNetServerDataProc::Instance().Start(webRoot);
@@ -73,13 +79,20 @@ int CNetServer::start(unsigned short port, const char* webRoot, const char* /*cf
 
 void CNetServer::Listen(unsigned short port)
 {
-    m_port = NET_SOCKET_StartListen(port, this, 0, true) ? port : 0u;
+    m_port = 0;
+    if (NET_SOCKET_StartListen(port, this, 0, true))
+    {
+        // Port 0 leaves the choice to the system; the number is needed to close it again.
+        m_port = port != 0 ? port : NET_SOCKET_GetListenPort(this);
+    }
 }
 
 void CNetServer::Stop()
 {
     if (m_port != 0)
+    {
         NET_SOCKET_StopListen(static_cast<unsigned short>(m_port.load()));
+    }
     m_port = 0;
     const CMySingleLock lock(m_lock);
     m_pending.clear();
@@ -156,7 +169,9 @@ void CNetServer::Serve(int handle)
     const CHttpProtocolAnalyse request(message->m_pBuff, message->Length());
     CHttpDataPacket::ReleasePack(message);
     if (request.IsResponse())
+    {
         SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+    }
 
     CHttpProtocolAnalyse response;
     std::string ip;
@@ -175,20 +190,28 @@ bool CNetServer::GetAcceptHttp(int handle, CHttpDataPacket& packet)
         bool broken = false;
         const int count = NET_SOCKET_Recv_Immediate(handle, buffer, READ_BYTES, &broken);
         if (broken)
+        {
             return false; // bytes that came with the news are dropped
+        }
         if (count <= 0)
         {
             budget.NoteEmptyRead();
             if (!budget.Wait(handle))
+            {
                 return false;
+            }
             continue;
         }
         budget.NoteBytes();
         packet.PushBack(buffer, static_cast<unsigned int>(count));
         if (packet.IsComplete())
+        {
             return true;
+        }
         if (packet.IsHeaderTooLong())
+        {
             return false;
+        }
     }
 }
 
@@ -198,13 +221,17 @@ int CNetServer::ReplyExecute(int handle, const CHttpProtocolAnalyse& response)
     int remaining = 0;
     const char* cursor = response.GetBuf(remaining);
     if (cursor == nullptr || remaining <= 0)
+    {
         SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+    }
     bool broken = false;
     while (remaining > 0 && !broken)
     {
         const int sent = NET_SOCKET_Send_Immediate(handle, cursor, remaining, broken);
         if (sent <= 0)
+        {
             continue;
+        }
         cursor += sent;
         remaining -= sent;
     }
