@@ -166,7 +166,11 @@ void CEventLoop::Sweep()
     swept.erase(std::remove_if(swept.begin(), swept.end(), done), swept.end());
 
     lock.lock();
-    m_lingering.insert(m_lingering.begin(), std::make_move_iterator(swept.begin()),
+    // Others may have come while these were looked at: the oldest go.
+    const std::size_t total = swept.size() + m_lingering.size();
+    const std::size_t excess = std::min(total > LINGER_MAX ? total - LINGER_MAX : 0, swept.size());
+    m_lingering.insert(m_lingering.begin(),
+                       std::make_move_iterator(swept.begin() + static_cast<std::ptrdiff_t>(excess)),
                        std::make_move_iterator(swept.end()));
     --m_sweeps;
     if (!m_lingering.empty())
