@@ -1,11 +1,11 @@
 // netserver-bench-host: serves one H.264 file at its frame rate, looped, without an encoder.
 //
 // The main thread waits for the end; one thread feeds the frames.
-#include "BareDevice.h"
 #include "BenchTools.h"
 #include "FrameStamp.h"
 #include "H264File.h"
 #include "LocalPorts.h"
+#include "DefaultHost.h"
 #include "NetServerSDK.h"
 
 #include <getopt.h>
@@ -51,7 +51,7 @@ struct Options
     bool stamp = false;
 };
 
-class Device : public CBareDevice
+class Device : public CDefaultDevice
 {
 public:
     explicit Device(bool auth) : m_auth(auth) {}
@@ -80,23 +80,6 @@ public:
 
 private:
     const bool m_auth;
-};
-
-class Streams : public CStreamCtrl
-{
-public:
-    unsigned int OpenLiveStream(const char*, unsigned int, int, unsigned int&) override { return 1; }
-    int StreamReserved() override { return 0; }
-    void CloseLiveStream(unsigned int) override {}
-    unsigned int OpenRecStream(const char*, unsigned int, const NETNS::DEV_DATE&, const NETNS::DEV_TIME&, unsigned int,
-                               unsigned int&) override
-    {
-        return 0;
-    }
-    void ClosePlayStream(unsigned int) override {}
-    unsigned int OpenTalkBackStream(const char*) override { return 0; }
-    void CloseTalkBackStream(unsigned int) override {}
-    int TalkBackStreamInput(unsigned char*, int, int) override { return 0; }
 };
 
 // A directory with the page in it, gone when the program ends.
@@ -287,7 +270,7 @@ int main(int argc, char** argv)
     const auto httpPort = static_cast<unsigned short>(options.httpPort);
     const auto rtspPort = static_cast<unsigned short>(options.rtspPort);
     Device device(options.auth);
-    Streams streams;
+    CDefaultStreams streams;
     const WebRoot webRoot;
     const std::string configFile = std::string(webRoot.Path()) + "/config.xml";
     NET_SERVER_SetPolicy(options.compat ? 0 : NET_POLICY_STANDARD_RTSP);
