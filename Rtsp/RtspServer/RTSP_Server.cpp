@@ -292,6 +292,7 @@ int CRTSP_Server::Create_RTP_RTCP_Link_UDP(CRTSP_ClientSession* session, int uni
     const int rtcpSock = Create_A_Valid_Sock(unicast, address, rtcpPort);
     if (rtcpSock == -1)
     {
+        rtp->CRTSP_Erase(session); // a shared link lives on
         rtp->Destroy();
         return -1;
     }

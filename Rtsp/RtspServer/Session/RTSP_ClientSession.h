@@ -164,7 +164,7 @@ private:
     int SendRTPDataOverTCP();
     int SendPackets(std::list<SENDING_COMMON_DATA>& packets);
     int ConsumeSent(std::list<SENDING_COMMON_DATA>& packets, int sent);
-    std::size_t QueuedAnswerBytes() const;
+    void QueueCommand(const char* text, int len);
 
     CRTSP_Server& m_server;
     const CPolicy m_policy; ///< as it was when the connection was made
@@ -198,7 +198,7 @@ private:
         int tests = 0;
         unsigned int dueTick = 0;
         std::list<REQ_CMD_INFO> behind;
-        int behindBytes = 0;
+        std::size_t behindBytes = 0;
     };
     std::unique_ptr<DESCRIBE_WAIT> m_describeWait;
 
@@ -219,4 +219,5 @@ private:
     SENDING_COMMON_DATA m_pending{};
     bool m_hasPending = false;
     std::list<SENDING_COMMON_DATA> m_commands;
+    std::size_t m_commandBytes = 0; ///< of m_commands
 };

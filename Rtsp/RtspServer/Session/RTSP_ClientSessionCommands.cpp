@@ -32,8 +32,8 @@ constexpr const char* PROBE_REFUSED = "RTSP/1.0 501";
 /// The server word of this one answer is a number; clients see it so.
 constexpr unsigned int NOT_FOUND_SERVER_NUMBER = 0;
 
-/// Requests that wait behind a DESCRIBE, in bytes; more end the session.
-constexpr int BEHIND_LIMIT = 65536;
+/// Requests that wait behind a DESCRIBE, in bytes of memory; more end the session.
+constexpr std::size_t BEHIND_LIMIT = 65536;
 
 constexpr std::size_t USER_TEXT_BYTES = 256;
 
@@ -99,7 +99,7 @@ int CRTSP_ClientSession::HandRTSPCmdData(char* msg, int len, int headerEnd)
 
     // A DESCRIBE waits for its stream: this request is served behind it.
     m_describeWait->behind.push_back({msg, len, headerEnd});
-    m_describeWait->behindBytes += static_cast<int>(m_describeWait->behind.back().text.size());
+    m_describeWait->behindBytes += sizeof(REQ_CMD_INFO) + m_describeWait->behind.back().text.size();
     ResetRequest();
     if (m_describeWait->behindBytes <= BEHIND_LIMIT)
         return 0;
@@ -194,7 +194,7 @@ int CRTSP_ClientSession::SendAnswer()
     SendCmdData(m_answer.data(), static_cast<int>(m_answer.size()));
     m_answer.clear();
     ResetRequest();
-    if (m_alive && QueuedAnswerBytes() <= LIMIT_RTSP_QUEUED_ANSWER_BYTES)
+    if (m_alive && m_commandBytes <= LIMIT_RTSP_QUEUED_ANSWER_BYTES)
         return 0;
     Destroy();
     return HANDLER_GONE;

@@ -45,7 +45,7 @@ int CRTSP_ClientSession::SendCmdData(const char* text, int len)
         RTSP_LogLine(__FILE__, __LINE__, "send data :\n%s\n", text);
     if (m_hasPending)
     {
-        m_commands.push_back(Copy(text, len));
+        QueueCommand(text, len);
         return 0;
     }
     int sent = NC_Send(m_sock, text, len, 0);
@@ -63,12 +63,11 @@ int CRTSP_ClientSession::SendCmdData(const char* text, int len)
     return 0;
 }
 
-std::size_t CRTSP_ClientSession::QueuedAnswerBytes() const
+void CRTSP_ClientSession::QueueCommand(const char* text, int len)
 {
-    std::size_t bytes = 0;
-    for (const SENDING_COMMON_DATA& command : m_commands)
-        bytes += static_cast<std::size_t>(command.length - command.sent);
-    return bytes;
+    m_commands.push_back({});
+    m_commands.back() = Copy(text, len);
+    m_commandBytes += static_cast<std::size_t>(len);
 }
 
 bool CRTSP_ClientSession::HasDataToSend()
@@ -145,12 +144,14 @@ int CRTSP_ClientSession::SendCmdListData()
     bool progress = false;
     while (!m_commands.empty())
     {
+        const std::size_t length = static_cast<std::size_t>(m_commands.front().length);
         const int result = SendCommonData(&m_commands.front());
         if (result == HANDLER_GONE)
             return HANDLER_GONE;
         if (result == HANDLER_WOULD_BLOCK)
             return progress ? HANDLER_PARTIAL : HANDLER_WOULD_BLOCK;
         m_commands.pop_front();
+        m_commandBytes -= length;
         if (result == HANDLER_PARTIAL)
             return HANDLER_PARTIAL;
         progress = true;

@@ -71,18 +71,18 @@ int CRTSP_ClientSession::handleCmd_SETUP(CRtspProtocol* protocol)
         return -1;
     }
 
+    const unsigned char key = static_cast<unsigned char>(config.frameType);
+    if (m_subSessionStreamMap.count(key) != 0)
+    {
+        handleCmd_unknownError(cseq);
+        return -1;
+    }
     auto track = std::make_unique<SUB_SESSION_STREAM_INFO>(&config, transport.mode);
     if (transport.mode == STREAMING_TCP)
     {
         SetUpTcp(*track, transport, cseq, SourceAddress(text));
     }
     else if (!SetUpUdp(*track, transport, cseq, SourceAddress(text)))
-    {
-        handleCmd_unknownError(cseq);
-        return -1;
-    }
-    const unsigned char key = static_cast<unsigned char>(config.frameType);
-    if (m_subSessionStreamMap.count(key) != 0)
     {
         handleCmd_unknownError(cseq);
         return -1;

@@ -44,15 +44,23 @@ bool SetNonBlocking(int sock)
     return flags != -1 && fcntl(sock, F_SETFL, flags | O_NONBLOCK) == 0;
 }
 
+void OpenReserve()
+{
+    g_reserveDescriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+}
+
 void RefuseWithReserve(int sock)
 {
+    // Another thread may have been quicker the last time to take the descriptor that was given up.
+    if (g_reserveDescriptor == -1)
+        OpenReserve();
     if (g_reserveDescriptor == -1)
         return;
     close(g_reserveDescriptor);
     const int refused = accept(sock, nullptr, nullptr);
     if (refused != -1)
         close(refused);
-    g_reserveDescriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    OpenReserve();
 }
 
 using NameCall = int (*)(int, sockaddr*, socklen_t*);
@@ -89,7 +97,7 @@ void NC_Init()
                    []
                    {
                        std::signal(SIGPIPE, SIG_IGN);
-                       g_reserveDescriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+                       OpenReserve();
                    });
 }
 

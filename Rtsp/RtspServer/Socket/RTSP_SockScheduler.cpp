@@ -64,25 +64,27 @@ int CRTSP_SockScheduler::AddSockHandler(int iType, int iSock, CRTSP_SockHandler*
 {
     PF_ASSERT(IsSingleType(iType));
     PF_ASSERT(iSock >= 0);
-    std::unique_ptr<HANDLER_INFO>& info = m_handlers[iSock];
-    if (!info)
+    auto entry = m_handlers.find(iSock);
+    if (entry == m_handlers.end())
     {
-        info = std::make_unique<HANDLER_INFO>();
-        info->handler = handler;
+        auto created = std::make_unique<HANDLER_INFO>();
+        created->handler = handler;
+        entry = m_handlers.emplace(iSock, std::move(created)).first;
     }
-    info->iHandlerMask |= iType;
-    PF_ASSERT(IsAllowedMask(info->iHandlerMask));
+    HANDLER_INFO& info = *entry->second;
+    info.iHandlerMask |= iType;
+    PF_ASSERT(IsAllowedMask(info.iHandlerMask));
 
     const unsigned int now = CPFHelper::GetTickCount();
     if (iType == SOCK_HANDLER_ACCEPT || iType == SOCK_HANDLER_RECV)
     {
-        info->iRecvTimeOut = iTimeOut;
-        info->lastRecvTick = now;
+        info.iRecvTimeOut = iTimeOut;
+        info.lastRecvTick = now;
     }
     else
     {
-        info->iSendTimeOut = iTimeOut;
-        info->lastSendTick = now;
+        info.iSendTimeOut = iTimeOut;
+        info.lastSendTick = now;
     }
     return 0;
 }
@@ -226,18 +228,12 @@ void CRTSP_SockScheduler::PassTimeOuts(unsigned int now)
 
 void CRTSP_SockScheduler::PassWaiters(unsigned int now)
 {
-    m_waitersDone.clear();
     auto waiter = m_waiters.begin();
     while (waiter != m_waiters.end())
     {
         CRTSP_SockHandler* handler = waiter->first;
-        if (!m_waitersDone.insert(handler).second)
-        {
-            ++waiter;
-            continue;
-        }
         Guarded(handler, [handler, now] { return handler->HandleWait(now); });
-        waiter = m_waiters.begin(); // the call may have changed any entry
+        waiter = m_waiters.upper_bound(handler); // the call may have changed any entry
     }
 }
 
@@ -285,8 +281,7 @@ bool CRTSP_SockScheduler::Wait(unsigned int now)
         if (errno == EINTR)
             return false;
         SHARESDK_NormalOutput(" select err.", __FILE__, __LINE__);
-        pollfd wakeUpOnly{m_wakeUp, POLLIN, 0};
-        poll(&wakeUpOnly, 1, MAX_WAIT_MS);
+        poll(nullptr, 0, MAX_WAIT_MS); // a wake-up that nobody takes away would not let it wait
         return false;
     }
     if (m_pollSet.front().revents != 0)
@@ -325,7 +320,8 @@ bool CRTSP_SockScheduler::TakeReady(int sock, READY which)
 
 void CRTSP_SockScheduler::Dispatch(unsigned int now)
 {
-    // A socket's readiness is used up before its handler is called, so a walk that starts again ends.
+    // A socket's readiness is used up before its handler is called, so after a change of the table the walk goes on
+    // where it was: nothing in front of that place is ready any more.
     auto entry = m_handlers.begin();
     while (entry != m_handlers.end())
     {
@@ -334,12 +330,12 @@ void CRTSP_SockScheduler::Dispatch(unsigned int now)
         if (DispatchSend(sock, info, now) && DispatchRecv(sock, info, now))
             ++entry;
         else
-            entry = m_handlers.begin();
+            entry = m_handlers.lower_bound(sock);
     }
     m_ready.clear();
 }
 
-/// @return false when the walk must start again
+/// @return false when the table may have changed
 bool CRTSP_SockScheduler::DispatchSend(int sock, HANDLER_INFO& info, unsigned int now)
 {
     if ((info.iHandlerMask & SOCK_HANDLER_SEND) != 0)
@@ -361,7 +357,7 @@ bool CRTSP_SockScheduler::DispatchSend(int sock, HANDLER_INFO& info, unsigned in
     return true;
 }
 
-/// @return false when the walk must start again
+/// @return false when the table may have changed
 bool CRTSP_SockScheduler::DispatchRecv(int sock, HANDLER_INFO& info, unsigned int now)
 {
     if ((info.iHandlerMask & SOCK_HANDLER_ACCEPT) != 0)

@@ -11,7 +11,6 @@
 #include <map>
 #include <memory>
 #include <poll.h>
-#include <set>
 #include <vector>
 
 /// One registered socket.
@@ -94,7 +93,6 @@ private:
     std::vector<pollfd> m_pollSet;                           ///< what the next wait watches; the wake-up comes first
     std::vector<unsigned char> m_ready;                      ///< READY bits by socket
     std::map<CRTSP_SockHandler*, unsigned int> m_waiters;    ///< with the tick of each
-    std::set<CRTSP_SockHandler*> m_waitersDone;              ///< called already in this pass
     unsigned int m_thread = 0;                               ///< handle of the thread service
     std::atomic<bool> m_running{false};
     int m_wakeUp = -1; ///< eventfd

@@ -401,6 +401,98 @@ TEST_F(RTSP_SockScheduler, AWaiterIsCalledEveryRoundUntilItIsTakenOut)
     EXPECT_EQ(2u, log.size());
 }
 
+TEST_F(RTSP_SockScheduler, EachWaiterIsCalledOnceInARound)
+{
+    for (int i = 0; i < 3; ++i)
+        scheduler.AddWaiter(Make(), CPFHelper::GetTickCount() + 80);
+    handlers[0]->onCall = [this]
+    {
+        scheduler.AddWaiter(handlers[0], clock.Now() + 160);
+    };
+    RunOnce();
+    EXPECT_EQ(3u, log.size());
+    for (Handler* handler : handlers)
+        scheduler.DelWaiter(handler);
+}
+
+TEST_F(RTSP_SockScheduler, AWaiterMayEndItselfAndAllOthers)
+{
+    for (int i = 0; i < 3; ++i)
+    {
+        Handler* handler = Make();
+        scheduler.AddWaiter(handler, CPFHelper::GetTickCount() + 80);
+        handler->onCall = [this]
+        {
+            for (Handler* each : handlers)
+            {
+                scheduler.DelWaiter(each);
+                each->Destroy();
+            }
+            handlers.clear();
+        };
+    }
+    RunOnce();
+    EXPECT_EQ(1u, log.size());
+}
+
+// A link whose report failed lives on, and what came for it is read in the same pass.
+TEST_F(RTSP_SockScheduler, AHandlerThatLivesOnBehindAFailedSendIsStillRead)
+{
+    Handler* handler = Make();
+    scheduler.AddSockHandler(SOCK_HANDLER_RECV, handler->Sock(), handler, -1);
+    scheduler.AddSockHandler(SOCK_HANDLER_SEND, handler->Sock(), handler, -1);
+    handler->hasData = true;
+    handler->sendResult = HANDLER_GONE;
+    handler->Write();
+    RunOnce();
+    EXPECT_EQ((Log{"send", "recv"}), log);
+}
+
+TEST_F(RTSP_SockScheduler, OneHandlerMayEndAnotherThatIsReadyInTheSamePass)
+{
+    Handler* first = Make();
+    Handler* second = Make();
+    Handler* third = Make();
+    for (Handler* handler : handlers)
+    {
+        scheduler.AddSockHandler(SOCK_HANDLER_RECV, handler->Sock(), handler, -1);
+        handler->Write();
+    }
+    third->name = "third ";
+    first->recvResult = HANDLER_GONE;
+    handlers = {first, third};
+    first->onCall = [second]
+    {
+        second->Destroy();
+    };
+    RunOnce();
+    EXPECT_EQ((Log{"recv", "third recv"}), log);
+}
+
+TEST_F(RTSP_SockScheduler, WithoutAnyHandlerARoundWaits)
+{
+    scheduler.RunRound(); // no wake-up is left from before
+    const auto begin = std::chrono::steady_clock::now();
+    scheduler.RunRound();
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(50));
+}
+
+TEST_F(RTSP_SockScheduler, TimeOutsAreToldOnTheConsole)
+{
+    Handler* handler = Make();
+    scheduler.AddSockHandler(SOCK_HANDLER_RECV, handler->Sock(), handler, 0);
+    scheduler.AddSockHandler(SOCK_HANDLER_SEND, handler->Sock(), handler, 0);
+    ::testing::internal::CaptureStderr();
+    RunOnce();
+    const std::string lines = ::testing::internal::GetCapturedStderr();
+    const std::size_t receive = lines.find("*************iRecvTimeOut****************");
+    const std::size_t send = lines.find("*************iSendTimeOut****************");
+    const std::size_t end = lines.find("==============time out=============");
+    EXPECT_LT(receive, send);
+    EXPECT_LT(send, end);
+    EXPECT_NE(std::string::npos, end);
+}
+
 TEST(RTSP_SockSchedulerThread, AWakeUpEndsTheWaitOfARound)
 {
     CRTSP_SockScheduler scheduler;
