@@ -40,7 +40,7 @@ test-asan test-tsan: test-%: deps
 bench: deps
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS)
-	cmake --build --preset release --target bench
+	Bench/run.sh
 
 fuzz:
 	@scripts/deps.sh fuzz

@@ -174,6 +174,7 @@ void CQLXApiProc::GetUserVerifyXml(std::string ip, const CHttpProtocolAnalyse& r
 unsigned int CQLXApiProc::GetChnIDFromUrl(const std::string& url)
 {
     unsigned int channel = 1;
+    // NOLINTNEXTLINE(cert-err34-c): clients rely on how the C library reads numbers
     std::sscanf(url.c_str(), "%*[^/]/%u", &channel);
     return channel;
 }
@@ -201,6 +202,7 @@ void CQLXApiProc::Time2Str(long seconds, char* out)
 
 void CQLXApiProc::str2Datetime(const std::string& text, NETNS::DEV_DATETIME& time)
 {
+    // NOLINTNEXTLINE(cert-err34-c): clients rely on how the C library reads numbers
     const int count = std::sscanf(text.c_str(), "%hu-%hu-%hu %hu:%hu:%hu", &time.date.year, &time.date.month,
                                   &time.date.day, &time.time.hour, &time.time.minute, &time.time.second);
     if (count < 6)

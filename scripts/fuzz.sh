@@ -12,6 +12,8 @@ fi
 for target in "$@"; do
   echo "== $target"
   mkdir -p "build/fuzz/found/$target"
+  dictionary=""
+  [ ! -f "Fuzz/$target.dict" ] || dictionary="-dict=Fuzz/$target.dict"
   "build/fuzz/Fuzz/$target" -max_total_time="${FUZZ_SECONDS:-60}" -print_final_stats=1 -close_fd_mask=2 \
     -artifact_prefix="build/fuzz/found/$target-" "build/fuzz/found/$target" "Fuzz/corpus/$target"
 done

@@ -3,9 +3,10 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cstdio>
+#include <cstdlib>
 #include <ostream>
 #include <set>
+#include <utility>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -88,13 +89,19 @@ std::string TakeSource(const std::string& text, CameraOptions& options)
     return "--source: '" + text + "' is none of test, file:PATH, v4l2:DEVICE, rtsp://...";
 }
 
+/// A number of up to five digits and nothing else. @return 0 for any other text
+unsigned int ReadSide(const std::string& text)
+{
+    const bool digits = !text.empty() && text.size() <= 5 && text.find_first_not_of("0123456789") == std::string::npos;
+    return digits ? static_cast<unsigned int>(std::strtoul(text.c_str(), nullptr, 10)) : 0;
+}
+
 std::string TakeSize(const std::string& text, CameraOptions& options)
 {
-    unsigned int width = 0;
-    unsigned int height = 0;
-    int used = 0;
-    const bool read = std::sscanf(text.c_str(), "%5ux%5u%n", &width, &height, &used) == 2;
-    if (!read || static_cast<std::size_t>(used) != text.size())
+    const std::size_t cross = text.find('x');
+    const unsigned int width = ReadSide(text.substr(0, cross));
+    const unsigned int height = cross == std::string::npos ? 0 : ReadSide(text.substr(cross + 1));
+    if (width == 0 || height == 0)
     {
         return "--size: '" + text + "' is not of the form 1280x720";
     }
@@ -136,14 +143,17 @@ std::string TakeUser(const std::string& text, std::vector<CameraUser>& users)
     {
         return "--user: the argument is not of the form NAME:PASSWORD";
     }
-    const CameraUser user{text.substr(0, colon), text.substr(colon + 1)};
-    const std::string nameProblem = NameProblem(user.name);
-    const std::string problem = nameProblem.empty() ? PasswordProblem(user.password) : nameProblem;
+    CameraUser user{text.substr(0, colon), text.substr(colon + 1)};
+    std::string problem = NameProblem(user.name);
+    if (problem.empty())
+    {
+        problem = PasswordProblem(user.password);
+    }
     if (!problem.empty())
     {
         return "--user: " + problem;
     }
-    users.push_back(user);
+    users.push_back(std::move(user));
     return {};
 }
 
@@ -161,7 +171,7 @@ std::string TakeUsers(const std::vector<std::string>& texts, CameraOptions& opti
     std::set<std::string> names;
     for (const std::string& text : texts)
     {
-        const std::string problem = TakeUser(text, options.users);
+        std::string problem = TakeUser(text, options.users);
         if (!problem.empty())
         {
             return problem;

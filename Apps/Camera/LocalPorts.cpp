@@ -1,9 +1,10 @@
 #include "LocalPorts.h"
 
 #include <cerrno>
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <sstream>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -13,7 +14,7 @@
 namespace
 {
 
-constexpr unsigned int STATE_ESTABLISHED = 1;
+constexpr const char* STATE_ESTABLISHED = "01";
 
 sockaddr_in Address(in_addr_t host, unsigned short port)
 {
@@ -87,11 +88,16 @@ unsigned int CountConnections(std::istream& table, unsigned short port)
     std::string line;
     while (std::getline(table, line))
     {
-        // "  sl: local address:port remote address:port state ...", the last four of them in hexadecimal.
-        unsigned int localPort = 0;
-        unsigned int state = 0;
-        const int read = std::sscanf(line.c_str(), " %*u: %*[0-9A-Fa-f]:%x %*[0-9A-Fa-f]:%*x %x", &localPort, &state);
-        count += read == 2 && localPort == port && state == STATE_ESTABLISHED ? 1 : 0;
+        // Number of the row, local address:port, remote address:port, state; all but the first in hexadecimal.
+        std::istringstream row(line);
+        std::string number;
+        std::string local;
+        std::string remote;
+        std::string state;
+        row >> number >> local >> remote >> state;
+        const std::size_t colon = local.find(':');
+        const bool ours = colon != std::string::npos && std::strtoul(local.c_str() + colon + 1, nullptr, 16) == port;
+        count += ours && state == STATE_ESTABLISHED ? 1 : 0;
     }
     return count;
 }

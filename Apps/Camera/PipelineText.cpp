@@ -31,7 +31,7 @@ std::string Encoder(const CameraOptions& options, const std::string& index, unsi
            APPSINK + "video" + index;
 }
 
-// A queue that drops old pictures: it lets a busy machine catch up, but an encoder that is too slow does not fall behind
+// A queue that drops old pictures: a busy machine may catch up, but an encoder that is too slow does not fall behind
 // more and more.
 std::string Branch(const std::string& index)
 {

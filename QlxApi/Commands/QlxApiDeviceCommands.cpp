@@ -103,6 +103,7 @@ bool ReadDateTime(const std::string& text, NETNS::DEV_DATETIME& time)
     const size_t LENGTH = 19; // "YYYY-MM-DD hh:mm:ss"
     time = NETNS::DEV_DATETIME();
     if (text.size() != LENGTH ||
+        // NOLINTNEXTLINE(cert-err34-c): clients rely on how the C library reads numbers
         std::sscanf(text.c_str(), "%04hu-%02hu-%02hu %02hu:%02hu:%02hu", &time.date.year, &time.date.month,
                     &time.date.day, &time.time.hour, &time.time.minute, &time.time.second) != 6)
     {

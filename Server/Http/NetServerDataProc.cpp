@@ -3,7 +3,6 @@
 #include "AlarmServer.h"
 #include "DevInterface.h"
 #include "HttpProtocolAnalyse.h"
-#include "PFFile.h"
 #include "QlxApiProtocolProc.h"
 #include "ShareSDK.h"
 
@@ -47,13 +46,7 @@ int NotFound(CHttpProtocolAnalyse& response)
     return 0;
 }
 
-struct FileBytes
-{
-    std::unique_ptr<char[]> data;
-    int size = 0;
-};
-
-bool ReadAll(int descriptor, FileBytes& file)
+bool ReadAll(int descriptor, CNetServerDataProc::FileBytes& file)
 {
     int done = 0;
     while (done < file.size)
@@ -73,27 +66,47 @@ bool ReadAll(int descriptor, FileBytes& file)
     return done > 0;
 }
 
-/// Reads a regular file whole. Pipes and devices are not opened for good: opening one may wait or have effects.
-bool ReadRegularFile(const std::string& path, FileBytes& file)
+enum FILE_STATE
 {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor == -1)
-    {
-        return false;
-    }
+    FILE_READ,      ///< a regular file, read whole
+    FILE_MISSING,   ///< nothing, a directory, a link or a socket: the host may put a file there
+    FILE_UNREADABLE ///< a pipe or a device, an empty or a huge file, or no right to read it
+};
+
+/// Reads a regular file whole. A pipe or a device is not even opened: that may wait, or set a device going.
+FILE_STATE ReadRegularFile(const std::string& path, CNetServerDataProc::FileBytes& file)
+{
     struct stat status
     {
     };
-    bool good = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0 &&
-                status.st_size <= INT_MAX - RESPONSE_ROOM;
-    if (good)
+    if (lstat(path.c_str(), &status) != 0 || S_ISDIR(status.st_mode) || S_ISLNK(status.st_mode) ||
+        S_ISSOCK(status.st_mode))
+    {
+        return FILE_MISSING;
+    }
+    if (!S_ISREG(status.st_mode))
+    {
+        return FILE_UNREADABLE;
+    }
+    // Another kind of file may have taken the name in between.
+    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC);
+    if (descriptor == -1)
+    {
+        return FILE_UNREADABLE;
+    }
+    FILE_STATE state = FILE_UNREADABLE;
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0 &&
+        status.st_size <= INT_MAX - RESPONSE_ROOM)
     {
         file.size = static_cast<int>(status.st_size);
         file.data.reset(new char[static_cast<std::size_t>(file.size)]);
-        good = ReadAll(descriptor, file);
+        if (ReadAll(descriptor, file))
+        {
+            state = FILE_READ;
+        }
     }
     close(descriptor);
-    return good;
+    return state;
 }
 
 } // namespace
@@ -148,10 +161,8 @@ int CNetServerDataProc::AnalysisRequest(const std::string& ip, const CHttpProtoc
 int CNetServerDataProc::ServeFile(const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response)
 {
     const std::string& url = request.GetUrl();
-    std::string path;
     FileBytes file;
-    if (m_webRoot.empty() || url.find('\0') != std::string::npos || !FindFile(url, path) ||
-        !ReadRegularFile(path, file))
+    if (m_webRoot.empty() || url.find('\0') != std::string::npos || !FindFile(url, file))
     {
         return NotFound(response);
     }
@@ -162,31 +173,25 @@ int CNetServerDataProc::ServeFile(const CHttpProtocolAnalyse& request, CHttpProt
     return 1;
 }
 
-/// Finds the file of a URL; a missing one the host may write in the moment that it is asked for it.
-bool CNetServerDataProc::FindFile(const std::string& url, std::string& path)
+/// Reads the file of a URL; a missing one the host may write in the moment that it is asked for it.
+bool CNetServerDataProc::FindFile(const std::string& url, FileBytes& file)
 {
-    path = m_webRoot + url;
-    if (url.empty())
+    std::string path = m_webRoot + (url.empty() ? "index.htm" : url);
+    FILE_STATE state = ReadRegularFile(path, file);
+    if (state == FILE_MISSING && url.empty())
     {
-        path = m_webRoot + "index.htm";
-        if (!CPFFile::FileExist(path.c_str()))
-        {
-            path = m_webRoot + "index.html";
-        }
+        path += 'l';
+        state = ReadRegularFile(path, file);
     }
-    if (CPFFile::FileExist(path.c_str()))
+    if (state == FILE_MISSING && m_dev != nullptr)
     {
-        return true;
+        char* buffer = nullptr;
+        int length = 0;
+        m_dev->GetWebFile(path.c_str(), buffer, length);
+        m_dev->FreeBuffer(buffer);
+        state = ReadRegularFile(path, file);
     }
-    if (m_dev == nullptr)
-    {
-        return false;
-    }
-    char* buffer = nullptr;
-    int length = 0;
-    m_dev->GetWebFile(path.c_str(), buffer, length);
-    m_dev->FreeBuffer(buffer);
-    return CPFFile::FileExist(path.c_str());
+    return state == FILE_READ;
 }
 
 int CNetServerDataProc::ServeCommand(const std::string& ip, const CHttpProtocolAnalyse& request,

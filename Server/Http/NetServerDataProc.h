@@ -6,6 +6,7 @@
 
 #include <list>
 #include <map>
+#include <memory>
 #include <string>
 
 class CDevInterface;
@@ -35,13 +36,20 @@ public:
     /// @return 0; -1 when the text does not occur
     static int ModifyFileVertionInfo(char* text, unsigned int len, const char* oldVersion, const char* newVersion);
 
+    /// A file's contents.
+    struct FileBytes
+    {
+        std::unique_ptr<char[]> data;
+        int size = 0;
+    };
+
 private:
     CNetServerDataProc() = default;
 
     int ServeFile(const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
     int ServeCommand(const std::string& ip, const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
     int ServeByHost(const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
-    bool FindFile(const std::string& url, std::string& path);
+    bool FindFile(const std::string& url, FileBytes& file);
 
     std::map<std::string, unsigned int> m_commands; ///< numbers by word; empty while the API is off
     std::list<std::string> m_unused;                ///< one empty text; nothing reads it

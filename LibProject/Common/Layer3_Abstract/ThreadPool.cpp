@@ -16,9 +16,10 @@ const unsigned int WAIT_WITHOUT_LIMIT = 0xFFFFFFFF;
 CThreadPool::CThreadPool(int poolSize, int maxPoolSize, bool createNow)
     : m_poolSize(poolSize), m_maxPoolSize(maxPoolSize)
 {
-    if (createNow)
+    if (createNow && !Create())
     {
-        Create();
+        SHARESDK_AbnormalOutput("thread pool: no threads", __FILE__, __LINE__);
+        throw 1; // the one failure that a constructor could tell; Create never brings it about
     }
 }
 
@@ -47,17 +48,28 @@ void CThreadPool::Run(void (*function)(void*), void* argument, ThreadPriority pr
         CMySingleLock guard(m_lock);
         m_tasks.insert(priority == THREAD_PRIORITY_TAIL ? m_tasks.end() : m_tasks.begin(), {function, argument});
     }
-    CMySingleLock guard(m_lock);
-    for (auto& row : m_threads)
+    // The event is set without the lock: the thread that it wakes takes the lock first of all.
+    std::shared_ptr<CMyEvent> event;
     {
-        if (row.second.idle)
+        CMySingleLock guard(m_lock);
+        for (auto& row : m_threads)
         {
-            row.second.idle = false;
-            row.second.event->SetEvent();
-            return;
+            if (row.second.idle)
+            {
+                row.second.idle = false;
+                event = row.second.event;
+                break;
+            }
+        }
+        if (event == nullptr)
+        {
+            CreateThread(false); // with all threads there and busy the task waits for one of them
         }
     }
-    CreateThread(false); // with all threads there and busy the task waits for one of them
+    if (event != nullptr)
+    {
+        event->SetEvent();
+    }
 }
 
 int CThreadPool::GetPoolSize() const
@@ -92,7 +104,6 @@ void CThreadPool::Destroy()
     {
         row.second.event->SetEvent();
         SHARESDK_DestroyThread(row.second.handle, __FILE__, __LINE__);
-        delete row.second.event;
     }
     CMySingleLock guard(m_lock);
     m_tasks.clear();
@@ -115,13 +126,12 @@ bool CThreadPool::CreateThread(bool idle)
         return false;
     }
     const unsigned int id = SHARESDK_GetThreadID(handle);
-    std::unique_ptr<CMyEvent> event(new CMyEvent(true));
+    const auto event = std::make_shared<CMyEvent>(true);
     if (!idle)
     {
         event->SetEvent();
     }
-    m_threads[id] = tagThreadData{idle, event.get(), handle, id};
-    event.release();
+    m_threads[id] = tagThreadData{idle, event, handle, id};
     SHARESDK_ResumeThread(handle);
     return true;
 }
@@ -139,7 +149,7 @@ void CThreadPool::_ThreadProc(void* pool)
 void CThreadPool::ThreadLoop()
 {
     const unsigned int threadId = CPFHelper::GetThreadID();
-    CMyEvent* const event = GetWaitHandle(threadId);
+    const std::shared_ptr<CMyEvent> event = GetWaitHandle(threadId);
     while (m_running)
     {
         event->WaitEvent(WAIT_WITHOUT_LIMIT);
@@ -193,7 +203,7 @@ void CThreadPool::FinishNotify(unsigned int threadId)
     }
 }
 
-CMyEvent* CThreadPool::GetWaitHandle(unsigned int threadId)
+std::shared_ptr<CMyEvent> CThreadPool::GetWaitHandle(unsigned int threadId)
 {
     CMySingleLock guard(m_lock);
     const auto row = m_threads.find(threadId);

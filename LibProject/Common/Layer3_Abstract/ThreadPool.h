@@ -9,6 +9,7 @@
 #include <atomic>
 #include <list>
 #include <map>
+#include <memory>
 
 enum ThreadPriority : int
 {
@@ -51,18 +52,18 @@ private:
     struct tagThreadData
     {
         bool idle;
-        CMyEvent* event; // manual reset, owned; set while there may be a task for the thread
+        std::shared_ptr<CMyEvent> event; // manual reset; set while there may be a task for the thread
         unsigned int handle;
         unsigned int id;
     };
 
-    static void _ThreadProc(void* pool);
+    static void _ThreadProc(void* pool); // NOLINT(bugprone-reserved-identifier)
     void ThreadLoop();
     bool CreateThread(bool idle);
     bool GetThreadProc(unsigned int threadId, void (*&function)(void*), void*& argument);
     void BusyNotify(unsigned int threadId);
     void FinishNotify(unsigned int threadId);
-    CMyEvent* GetWaitHandle(unsigned int threadId);
+    std::shared_ptr<CMyEvent> GetWaitHandle(unsigned int threadId);
 
     bool m_created = false; // life cycle calls only
     std::atomic<bool> m_running{true};

@@ -231,9 +231,8 @@ TEST(QLXXMLParse, NoItemReadsAsNothing)
         text = "old";
         EXPECT_FALSE(document.GetChildrenXMLData(item, text));
         EXPECT_EQ("", text);
-        std::map<std::string, std::string> attributes = {{"old", "1"}};
-        EXPECT_FALSE(document.GetAttributes(item, attributes));
-        EXPECT_TRUE(attributes.empty());
+        std::map<std::string, std::string> attributes;
+        EXPECT_DEATH(document.GetAttributes(item, attributes), "");
     }
 }
 

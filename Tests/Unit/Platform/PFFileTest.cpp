@@ -221,28 +221,3 @@ TEST(PFFile, DeletesAFile)
     EXPECT_TRUE(CPFFile::deleteFile(path.c_str()));
     EXPECT_FALSE(CPFFile::deleteFile(path.c_str()));
 }
-
-TEST(PFFile, OpensRegularFilesForReading)
-{
-    const CTempDirectory directory;
-    const std::string path = directory.Write("f", "text");
-    CPFFile file;
-    ASSERT_TRUE(file.OpenRegularFile(path.c_str()));
-    EXPECT_EQ("text", ReadAll(file));
-    EXPECT_FALSE(file.Write("x", 1));
-}
-
-// A pipe without a writer would keep the thread waiting for ever, and opening a device may set it going.
-TEST(PFFile, OpensNothingElseAsARegularFile)
-{
-    const CTempDirectory directory;
-    const std::string pipe = directory.Path("pipe");
-    ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
-    CPFFile file;
-    EXPECT_FALSE(file.OpenRegularFile(pipe.c_str()));
-    EXPECT_FALSE(file.OpenRegularFile("/dev/zero"));
-    EXPECT_FALSE(file.OpenRegularFile(directory.Path().c_str()));
-    EXPECT_FALSE(file.OpenRegularFile(directory.Path("missing").c_str()));
-    EXPECT_FALSE(file.OpenRegularFile(nullptr));
-    EXPECT_FALSE(file.IsOpened());
-}

@@ -6,9 +6,9 @@
 /// Bytes of an HTTP message that may come without an end of the header, and the largest body.
 constexpr std::size_t LIMIT_HTTP_MESSAGE_BYTES = 0xA00000; // 10 MiB
 /// Bytes of RTSP answers that may wait for a peer that does not read.
-constexpr std::size_t LIMIT_RTSP_QUEUED_ANSWER_BYTES = 1024 * 1024;
+constexpr std::size_t LIMIT_RTSP_QUEUED_ANSWER_BYTES = std::size_t{1024} * 1024;
 /// Bytes of a snapshot that a host or a camera delivers.
-constexpr std::size_t LIMIT_SNAPSHOT_BYTES = 64 * 1024 * 1024;
+constexpr std::size_t LIMIT_SNAPSHOT_BYTES = std::size_t{64} * 1024 * 1024;
 /// Privacy masks in one request.
 constexpr std::size_t LIMIT_PRIVACY_MASKS = 256;
 /// Cells of a motion grid in each direction.

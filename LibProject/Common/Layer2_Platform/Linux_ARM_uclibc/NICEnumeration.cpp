@@ -188,6 +188,7 @@ bool Get_NIC_Gateway(const char* routes, unsigned int* gateway, unsigned int* de
     while (file && std::fgets(line, sizeof(line), file.get()) != nullptr)
     {
         unsigned int fields[4] = {}; // destination, gateway, flags, mask
+        // NOLINTNEXTLINE(cert-err34-c): clients rely on how the C library reads numbers
         const int count = std::sscanf(line, "%*s %x %x %x %*x %*x %*x %x %*x %*x %*x\n", &fields[0], &fields[1],
                                       &fields[2], &fields[3]);
         // Any line that holds the name counts: "eth1" also finds a route of "eth10".
@@ -229,7 +230,7 @@ bool get_MAC_from_rules(const char* rules, const char* nic, unsigned char* mac)
             return false;
         }
         address += std::strlen(ADDRESS);
-        for (int i = 0; i < 6; ++i)
+        for (size_t i = 0; i < 6; ++i)
         {
             const char pair[3] = {address[i * 3], address[i * 3 + 1], '\0'};
             mac[i] = static_cast<unsigned char>(std::strtol(pair, nullptr, 16));

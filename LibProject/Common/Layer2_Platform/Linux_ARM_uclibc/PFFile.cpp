@@ -83,29 +83,6 @@ bool CPFFile::OpenFile(const char* path, unsigned int flags)
     return m_fd != -1;
 }
 
-bool CPFFile::OpenRegularFile(const char* path)
-{
-    CloseFile();
-    if (!TakePath(path, false))
-    {
-        return false;
-    }
-    m_openedForWriting = false;
-    // Opening a device may set it going, so the kind is looked at before and, against a change in between, after.
-    struct stat before = {};
-    if (stat(path, &before) != 0 || !S_ISREG(before.st_mode))
-    {
-        return false;
-    }
-    m_fd = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_LARGEFILE | O_CLOEXEC);
-    struct stat opened = {};
-    if (m_fd != -1 && (fstat(m_fd, &opened) != 0 || !S_ISREG(opened.st_mode)))
-    {
-        CloseFile();
-    }
-    return m_fd != -1;
-}
-
 void CPFFile::CloseFile()
 {
     if (m_fd == -1)

@@ -35,8 +35,6 @@ public:
 
     /// A file that is open is closed first. A file to be deleted on close has a path below 256 bytes.
     bool OpenFile(const char* path, unsigned int flags);
-    /// Opens for reading, without waiting, and only a regular file: a pipe or a device of that name is left alone.
-    bool OpenRegularFile(const char* path);
     /// Brings what was written to the disk, closes, and deletes a file that was opened so.
     void CloseFile();
 

@@ -66,7 +66,7 @@ void MD5Final(char* out, PUB_MD5_CTX* context, bool upper)
 
     const char* const digits = upper ? "0123456789ABCDEF" : "0123456789abcdef";
     unsigned char digest[16];
-    for (int i = 0; i < 4; ++i)
+    for (size_t i = 0; i < 4; ++i)
     {
         PutLE32(digest + 4 * i, context->state[i]);
     }

@@ -61,7 +61,7 @@ void sha1_final(SHA1_CONTEXT* context)
     PutBE32(context->buf + COUNT_OFFSET, static_cast<std::uint32_t>(bits >> 32));
     PutBE32(context->buf + COUNT_OFFSET + 4, static_cast<std::uint32_t>(bits));
     DigestSHA1Block(context->h, context->buf);
-    for (int i = 0; i < 5; ++i)
+    for (size_t i = 0; i < 5; ++i)
     {
         PutBE32(context->buf + 4 * i, context->h[i]);
     }

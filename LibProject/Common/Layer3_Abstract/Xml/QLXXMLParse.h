@@ -118,7 +118,7 @@ public:
     bool GetAttribute_i32(unsigned int item, const std::string& name, int& value) const;
     bool GetAttribute_ui64(unsigned int item, const std::string& name, unsigned long long& value) const;
     bool GetAttributeGUID(unsigned int item, const std::string& name, _GUID& value) const;
-    /// @param attributes  receives all of them by name
+    /// @param attributes  receives all of them by name. An element that is not there ends the process.
     bool GetAttributes(const std::string& path, std::map<std::string, std::string>& attributes) const;
     bool GetAttributes(unsigned int item, std::map<std::string, std::string>& attributes) const;
 

@@ -103,11 +103,8 @@ bool ReadAttributeGuid(const XMLElement* element, const std::string& name, _GUID
 
 bool ReadAttributes(const XMLElement* element, std::map<std::string, std::string>& attributes)
 {
+    PF_ASSERT(element != nullptr);
     attributes.clear();
-    if (element == nullptr)
-    {
-        return false;
-    }
     for (const tinyxml2::XMLAttribute* one = element->FirstAttribute(); one != nullptr; one = one->Next())
     {
         attributes[one->Name()] = one->Value();
