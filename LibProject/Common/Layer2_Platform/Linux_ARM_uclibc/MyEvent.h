@@ -1,8 +1,11 @@
 // MyEvent.h: an event that one thread sets and others wait for. Any thread.
+//
+// A waiter goes on as soon as it is woken: the thread that sets the event holds no lock that the waiter would need. A
+// waiter may even destroy the event while the thread that has set it is not yet back.
 #pragma once
 
-#include "Lock.h"
-#include "MonotonicCondition.h"
+#include <atomic>
+#include <cstdint>
 
 class CMyEvent
 {
@@ -15,8 +18,11 @@ public:
 
     /// @param manualReset  true: stays set until ResetEvent; false: a successful wait clears it. Starts unset.
     explicit CMyEvent(bool manualReset);
+    CMyEvent(const CMyEvent&) = delete;
+    CMyEvent& operator=(const CMyEvent&) = delete;
 
-    /// Sets the event and wakes one waiter; does nothing to an event that is set. @return true
+    /// Sets the event and wakes one waiter, or all when it stays set; does nothing to an event that is set. @return
+    /// true
     bool SetEvent();
     /// @return true
     bool ResetEvent();
@@ -25,10 +31,9 @@ public:
     unsigned int WaitEvent(unsigned int ms) const;
 
 private:
+    bool TakeSignal() const;
+
     const bool m_manualReset; // constant after construction
 
-    // Held for a few instructions only; nothing is called under it.
-    mutable CLock m_lock;
-    mutable CMonotonicCondition m_condition;
-    mutable int m_signalCount GUARDED_BY(m_lock) = 0; // 0 or 1
+    mutable std::atomic<std::uint32_t> m_signalCount{0}; // 0 or 1; what waiters sleep on
 };
