@@ -21,6 +21,9 @@ namespace
 constexpr int BACKLOG = 512;
 constexpr std::chrono::milliseconds FAILURE_PAUSE(50);
 
+/// A callback that runs for two looks is slow.
+constexpr std::chrono::milliseconds WATCH_INTERVAL(2);
+
 /// What a peer does, or the network, before its connection is accepted (accept(2)): the next one is as good as ever.
 bool IsPeersFailure(int error)
 {
@@ -105,7 +108,7 @@ bool CListener::StartThread()
     }
     reference.release(); // the new thread's
     m_threads.push_back(thread);
-    ++m_idleThreads;
+    ++m_spares;
     return true;
 }
 
@@ -124,7 +127,8 @@ void CListener::Stop()
         std::lock_guard<std::mutex> lock(m_lock);
         m_stopping = true;
         threads.swap(m_threads);
-        m_changed.notify_all();
+        m_room.notify_all();
+        m_forSpare.notify_all();
     }
     shutdown(m_socket.Get(), SHUT_RDWR); // ends every accept and poll on it
     for (const unsigned int thread : threads)
@@ -136,27 +140,92 @@ void CListener::Stop()
 
 void CListener::Serve()
 {
-    while (ReservePlace())
+    while (AwaitLead())
+    {
+        Lead();
+    }
+}
+
+/// The thread is a spare one. @return true with the lead; false when the listener stops
+bool CListener::AwaitLead()
+{
+    std::unique_lock<std::mutex> lock(m_lock);
+    bool isWatching = false;
+    bool leads = false;
+    while (!m_stopping && !leads)
+    {
+        const unsigned int connectionsSeen = m_accepted;
+        if (!m_hasLeader)
+        {
+            m_hasLeader = true;
+            leads = true;
+        }
+        else if (isWatching)
+        {
+            m_forSpare.wait_for(lock, WATCH_INTERVAL);
+            leads = TakeLeadFromSlowCallback(connectionsSeen);
+            isWatching = connectionsSeen != m_accepted; // nothing to watch while nothing comes
+            m_isWatched = isWatching;
+        }
+        else if (m_leadersCallback != nullptr && !m_isWatched)
+        {
+            isWatching = true;
+            m_isWatched = true;
+        }
+        else
+        {
+            m_forSpare.wait(lock);
+        }
+    }
+    if (isWatching)
+    {
+        m_isWatched = false;
+    }
+    --m_spares;
+    return leads;
+}
+
+bool CListener::TakeLeadFromSlowCallback(unsigned int connectionsSeen)
+{
+    if (!m_hasLeader || m_leadersCallback == nullptr || connectionsSeen != m_accepted)
+    {
+        return false;
+    }
+    m_leadersCallback->leads = false;
+    m_leadersCallback->overtaken = true;
+    m_leadersCallback = nullptr;
+    ++m_overtaken;
+    return true;
+}
+
+/// Accepts and runs callbacks until the lead is another thread's, or the listener stops.
+void CListener::Lead()
+{
+    bool leads = true;
+    while (leads && ReservePlace())
     {
         sockaddr_in peer{};
         CFileDescriptor socket = Accept(peer);
         if (socket.IsOpen())
         {
+            Callback callback;
+            BeginCallback(callback);
             HandOver(std::move(socket), peer);
+            leads = EndCallback(callback);
         }
         else
         {
             ConnectionEnded(); // the place is free again
         }
-        std::lock_guard<std::mutex> lock(m_lock);
-        ++m_idleThreads;
     }
+    std::lock_guard<std::mutex> lock(m_lock);
+    ++m_spares;
 }
 
 bool CListener::ReservePlace()
 {
     std::unique_lock<std::mutex> lock(m_lock);
-    m_changed.wait(lock, [this] { return m_stopping || m_places < CONNECTIONS_MAX; });
+    m_room.wait(lock, [this] { return m_stopping || m_places < CONNECTIONS_MAX; });
     if (m_stopping)
     {
         return false;
@@ -170,31 +239,63 @@ void CListener::ConnectionEnded()
     std::lock_guard<std::mutex> lock(m_lock);
     if (m_places-- == CONNECTIONS_MAX)
     {
-        m_changed.notify_one();
+        m_room.notify_one();
     }
+}
+
+void CListener::BeginCallback(Callback& callback)
+{
+    std::lock_guard<std::mutex> lock(m_lock);
+    ++m_accepted;
+    if (m_overtaken > 0)
+    {
+        callback.leads = false;
+        m_hasLeader = false;
+    }
+    else
+    {
+        m_leadersCallback = &callback;
+    }
+    if (m_spares == 0 && !m_stopping && m_threads.size() < THREADS_MAX)
+    {
+        StartThread();
+    }
+    else if (!m_hasLeader || !m_isWatched)
+    {
+        m_forSpare.notify_one();
+    }
+}
+
+/// @return whether the thread leads still
+bool CListener::EndCallback(const Callback& callback)
+{
+    std::lock_guard<std::mutex> lock(m_lock);
+    if (callback.overtaken)
+    {
+        --m_overtaken;
+    }
+    if (callback.leads)
+    {
+        m_leadersCallback = nullptr;
+    }
+    return callback.leads;
 }
 
 CFileDescriptor CListener::Accept(sockaddr_in& peer)
 {
     CFileDescriptor socket = AcceptNow(m_socket.Get(), peer);
     const int error = errno;
-    if (!socket.IsOpen() && (error == EMFILE || error == ENFILE))
-    {
-        socket = AcceptWithReserve(peer);
-    }
-    else if (!socket.IsOpen() && !IsPeersFailure(error))
-    {
-        PauseAfterFailure();
-    }
-    else if (socket.IsOpen() && m_refusing)
+    if (socket.IsOpen())
     {
         m_refusing = false;
     }
-    std::lock_guard<std::mutex> lock(m_lock);
-    --m_idleThreads;
-    if (socket.IsOpen() && !m_stopping && m_idleThreads == 0 && m_threads.size() < THREADS_MAX)
+    else if (error == EMFILE || error == ENFILE)
     {
-        StartThread();
+        return AcceptWithReserve(peer);
+    }
+    else if (!IsPeersFailure(error))
+    {
+        PauseAfterFailure();
     }
     return socket;
 }
@@ -205,9 +306,9 @@ CFileDescriptor CListener::AcceptWithReserve(sockaddr_in& peer)
     pollfd waiting = {m_socket.Get(), POLLIN, 0};
     PollUntil(&waiting, 1, NO_DEADLINE);
 
-    std::lock_guard<std::mutex> lock(m_reserveLock);
-    if (!m_refusing.exchange(true))
+    if (!m_refusing)
     {
+        m_refusing = true;
         Report("no descriptor is left, connections are refused");
     }
     if (!m_reserve.IsOpen() && !OpenReserve())
@@ -235,7 +336,7 @@ bool CListener::OpenReserve()
 void CListener::PauseAfterFailure()
 {
     std::unique_lock<std::mutex> lock(m_lock);
-    m_changed.wait_for(lock, FAILURE_PAUSE, [this] { return m_stopping; });
+    m_room.wait_for(lock, FAILURE_PAUSE, [this] { return m_stopping; });
 }
 
 void CListener::Report(const char* what) const

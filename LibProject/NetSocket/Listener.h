@@ -1,13 +1,14 @@
 // Listener.h: one port and the threads that accept on it.
 //
-// Each thread accepts and then runs the observer's callback itself; before it does, it makes sure that another one
-// waits in accept, up to a bound. So a callback that waits for its peer delays nobody until the whole pool waits.
+// One thread leads: it accepts, runs the observer's callback itself, and accepts again. So a connection wakes one
+// thread and no second one. A spare thread watches: when a callback takes its time, as for a peer that says nothing, it
+// takes the lead, and as long as such a callback runs the lead is handed on in front of every callback. So waiting
+// callbacks delay nobody until a bounded number of threads waits.
 #pragma once
 
 #include "NetSocket.h"
 #include "SocketWait.h"
 
-#include <atomic>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -39,12 +40,24 @@ public:
     void ConnectionEnded();
 
 private:
+    /// A callback under way.
+    struct Callback
+    {
+        bool leads = true;      // its thread will accept again
+        bool overtaken = false; // the watching thread has taken the lead from it
+    };
+
     CListener(CListenSocketObserver* observer, CConnectionTable& table, std::shared_ptr<CQuitSignal> quit);
     bool OpenSocket(unsigned short port, unsigned int localAddress, bool reuseAddress);
     bool StartThread();
     static void Run(void* listener);
     void Serve();
+    bool AwaitLead();
+    bool TakeLeadFromSlowCallback(unsigned int connectionsSeen);
+    void Lead();
     bool ReservePlace();
+    void BeginCallback(Callback& callback);
+    bool EndCallback(const Callback& callback);
     CFileDescriptor Accept(sockaddr_in& peer);
     CFileDescriptor AcceptWithReserve(sockaddr_in& peer);
     bool OpenReserve();
@@ -59,14 +72,20 @@ private:
     unsigned short m_port = 0;
 
     std::mutex m_lock;
-    std::condition_variable m_changed; // there is room, or the listener stops
+    std::condition_variable m_room;     // there is a place, or the listener stops
+    std::condition_variable m_forSpare; // the lead is free, a callback is to be watched, or the listener stops
     std::vector<unsigned int> m_threads;
-    int m_idleThreads = 0; // in accept, or waiting for room
-    int m_places = 0;      // open connections, and one for each thread in accept
+    int m_places = 0;            // open connections, and one for the thread in accept
+    int m_spares = 0;            // threads without the lead and without a callback
+    bool m_hasLeader = false;    // a thread accepts, or runs a callback and will accept again
+    bool m_isWatched = false;    // a spare looks after the leader from time to time
+    unsigned int m_accepted = 0; // counts connections, for the watching thread
+    Callback* m_leadersCallback = nullptr;
+    int m_overtaken = 0; // callbacks that were overtaken and still run
     bool m_stopping = false;
 
-    // Given up for a moment to accept and refuse a connection when the process has no descriptor left. Behind no lock.
-    std::mutex m_reserveLock;
+    // The leader's. The descriptor is given up for a moment to accept and refuse a connection when the process has no
+    // other left.
     CFileDescriptor m_reserve;
-    std::atomic<bool> m_refusing{false}; // logged already
+    bool m_refusing = false; // logged already
 };

@@ -1,5 +1,8 @@
 #include "MyEvent.h"
 
+#include "Lock.h"
+#include "MonotonicCondition.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
