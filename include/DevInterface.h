@@ -330,8 +330,7 @@ public:
 
     virtual NETNS::DEV_RET GetImageCaps(const char* verify, unsigned int chn, NETNS::DEV_IMAGE_CAPS* caps) = 0;
     virtual NETNS::DEV_RET GetImageParam(const char* verify, unsigned int chn, NETNS::DEV_IMAGE_PARAM* param) = 0;
-    virtual NETNS::DEV_RET SetImageParam(const char* verify, unsigned int chn,
-                                         const NETNS::DEV_IMAGE_PARAM* param) = 0;
+    virtual NETNS::DEV_RET SetImageParam(const char* verify, unsigned int chn, const NETNS::DEV_IMAGE_PARAM* param) = 0;
     /// Keeps its place; nothing calls it.
     virtual NETNS::DEV_RET ImageReserved() = 0;
 
@@ -363,18 +362,15 @@ public:
     virtual NETNS::DEV_RET GetChannelNameOsd(const char* verify, unsigned int chn,
                                              NETNS::DEV_CHANNEL_NAME_OSD* osd) = 0;
     virtual NETNS::DEV_RET SetTimeOsd(const char* verify, unsigned int chn, NETNS::DEV_TIME_OSD osd) = 0;
-    virtual NETNS::DEV_RET SetChannelNameOsd(const char* verify, unsigned int chn,
-                                             NETNS::DEV_CHANNEL_NAME_OSD osd) = 0;
+    virtual NETNS::DEV_RET SetChannelNameOsd(const char* verify, unsigned int chn, NETNS::DEV_CHANNEL_NAME_OSD osd) = 0;
     /// @param list  room for `max` (8) masks
     virtual NETNS::DEV_RET GetPrivacyMask(const char* verify, unsigned int chn, NETNS::DEV_PRIVACY_MASK* list, int max,
                                           int& count) = 0;
     virtual NETNS::DEV_RET SetPrivacyMask(const char* verify, unsigned int chn, const NETNS::DEV_PRIVACY_MASK* list,
                                           int count) = 0;
 
-    virtual NETNS::DEV_RET GetPtzPresetCaps(const char* verify, unsigned int chn,
-                                            NETNS::DEV_PTZ_PRESET_CAPS* caps) = 0;
-    virtual NETNS::DEV_RET GetPtzCruiseCaps(const char* verify, unsigned int chn,
-                                            NETNS::DEV_PTZ_CRUISE_CAPS* caps) = 0;
+    virtual NETNS::DEV_RET GetPtzPresetCaps(const char* verify, unsigned int chn, NETNS::DEV_PTZ_PRESET_CAPS* caps) = 0;
+    virtual NETNS::DEV_RET GetPtzCruiseCaps(const char* verify, unsigned int chn, NETNS::DEV_PTZ_CRUISE_CAPS* caps) = 0;
     virtual NETNS::DEV_RET GetPtzProtocol(const char* verify, unsigned int chn, NETNS::DEV_PTZ_PROTOCOL* protocol) = 0;
     virtual NETNS::DEV_RET SetPtzProtocol(const char* verify, unsigned int chn,
                                           const NETNS::DEV_PTZ_PROTOCOL* protocol) = 0;
@@ -408,8 +404,7 @@ public:
     virtual NETNS::DEV_RET SetSensorConfig(const char* verify, int id, const NETNS::DEV_SENSOR_CONFIG* config) = 0;
     virtual NETNS::DEV_RET ManualAlarmOut(const char* verify, int id, bool on) = 0;
     virtual NETNS::DEV_RET GetAlarmOutConfig(const char* verify, int id, NETNS::DEV_ALARM_OUT_CONFIG* config) = 0;
-    virtual NETNS::DEV_RET SetAlarmOutConfig(const char* verify, int id,
-                                             const NETNS::DEV_ALARM_OUT_CONFIG* config) = 0;
+    virtual NETNS::DEV_RET SetAlarmOutConfig(const char* verify, int id, const NETNS::DEV_ALARM_OUT_CONFIG* config) = 0;
     /// The answer to a status request while no alarm is active. @param xml  given back with FreeBuffer
     virtual NETNS::DEV_RET GetAlarmStatusXml(const char* verify, char*& xml, int& len) = 0;
 

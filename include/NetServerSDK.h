@@ -1,7 +1,7 @@
 // NetServerSDK.h: the functions a host calls to serve HTTP and RTSP clients.
 //
-// Order: NET_SERVER_SetPolicy (if at all), NET_SERVER_Initial, NET_SERVER_Start, NET_SERVER_RTSPStart; then, at any time
-// and from any thread, the stream and status functions; at the end NET_SERVER_RTSPStop, NET_SERVER_Stop,
+// Order: NET_SERVER_SetPolicy (if at all), NET_SERVER_Initial, NET_SERVER_Start, NET_SERVER_RTSPStart; then, at any
+// time and from any thread, the stream and status functions; at the end NET_SERVER_RTSPStop, NET_SERVER_Stop,
 // NET_SERVER_Quit. The life cycle functions are called from one thread.
 #pragma once
 

@@ -59,14 +59,14 @@ struct DEV_USER_INFO
 /// Encoder settings of one video stream.
 struct DEV_VIDEO_PROFILE
 {
-    std::uint32_t width;      ///< pixels
-    std::uint32_t height;     ///< pixels
-    std::uint32_t frameRate;  ///< frames per second
-    std::uint32_t maxBitRate; ///< kbit/s
-    std::uint32_t quality;    ///< 1 lowest, 2 lower, 3 medium, 4 higher, 5 highest
-    std::uint32_t encodeType; ///< 0 mjpeg, 1 mpeg4, 2 h264
+    std::uint32_t width;       ///< pixels
+    std::uint32_t height;      ///< pixels
+    std::uint32_t frameRate;   ///< frames per second
+    std::uint32_t maxBitRate;  ///< kbit/s
+    std::uint32_t quality;     ///< 1 lowest, 2 lower, 3 medium, 4 higher, 5 highest
+    std::uint32_t encodeType;  ///< 0 mjpeg, 1 mpeg4, 2 h264
     std::uint32_t encodeLevel; ///< 1 baseline, 2 main, 3 extended, 4 high profile
-    std::uint32_t gop;        ///< frames from one key frame to the next
+    std::uint32_t gop;         ///< frames from one key frame to the next
 };
 
 /// What a frame holds.

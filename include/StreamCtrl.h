@@ -7,8 +7,9 @@
 ///
 /// All operations are called on the RTSP scheduler thread, on which every RTSP client is served: an operation that
 /// takes long stalls them all. `userInfoXml` is the text
-/// `<?xml version="1.0" encoding="UTF-8"?><userinfo><username>..</username><password>..</password><ip>..</ip></userinfo>`
-/// of the user that passed the Digest check; user name and password are empty when no login is required.
+/// `<?xml version="1.0"
+/// encoding="UTF-8"?><userinfo><username>..</username><password>..</password><ip>..</ip></userinfo>` of the user that
+/// passed the Digest check; user name and password are empty when no login is required.
 class CStreamCtrl
 {
 public:

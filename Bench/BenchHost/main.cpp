@@ -2,10 +2,10 @@
 //
 // The main thread waits for the end; one thread feeds the frames.
 #include "BenchTools.h"
+#include "DefaultHost.h"
 #include "FrameStamp.h"
 #include "H264File.h"
 #include "LocalPorts.h"
-#include "DefaultHost.h"
 #include "NetServerSDK.h"
 
 #include <getopt.h>

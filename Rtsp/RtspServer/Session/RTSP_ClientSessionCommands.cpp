@@ -82,15 +82,17 @@ struct CRTSP_ClientSession::COMMAND
     ANSWER_NOW (CRTSP_ClientSession::*operation)(REQUEST&);
 };
 
+// clang-format off
 const CRTSP_ClientSession::COMMAND CRTSP_ClientSession::COMMANDS[] = {
-    {"OPTIONS", false, &CRTSP_ClientSession::OnOptions},
-    {"DESCRIBE", true, &CRTSP_ClientSession::OnDescribe},
-    {"SETUP", true, &CRTSP_ClientSession::OnSetup},
-    {"PLAY", true, &CRTSP_ClientSession::OnPlay},
-    {"TEARDOWN", true, &CRTSP_ClientSession::OnTeardown},
-    {"GET_PARAMETER", true, &CRTSP_ClientSession::OnGetParameter},
-    {"SET_PARAMETER", true, &CRTSP_ClientSession::OnGetParameter},
+    {"OPTIONS",       false, &CRTSP_ClientSession::OnOptions},
+    {"DESCRIBE",      true,  &CRTSP_ClientSession::OnDescribe},
+    {"SETUP",         true,  &CRTSP_ClientSession::OnSetup},
+    {"PLAY",          true,  &CRTSP_ClientSession::OnPlay},
+    {"TEARDOWN",      true,  &CRTSP_ClientSession::OnTeardown},
+    {"GET_PARAMETER", true,  &CRTSP_ClientSession::OnGetParameter},
+    {"SET_PARAMETER", true,  &CRTSP_ClientSession::OnGetParameter},
 };
+// clang-format on
 
 int CRTSP_ClientSession::HandRTSPCmdData(char* msg, int len, int headerEnd)
 {

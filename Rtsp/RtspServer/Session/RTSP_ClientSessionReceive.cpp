@@ -253,7 +253,8 @@ void CRTSP_ClientSession::TakePlainMessages(const char* text, const char* header
     CBase64Coder().base64decone(headerEnd, decoded, sizeof(decoded));
     secondEnd = EndOfMessage(decoded);
     if (secondEnd != nullptr)
-        m_messages.push_back({std::string(static_cast<const char*>(decoded), secondEnd), static_cast<int>(std::strlen(headerEnd)), 0});
+        m_messages.push_back(
+            {std::string(static_cast<const char*>(decoded), secondEnd), static_cast<int>(std::strlen(headerEnd)), 0});
 }
 
 /// One or two messages in Base64, as tunnels send them; each counts all the encoded bytes as its length.
