@@ -3,7 +3,11 @@
 #include "MD5.h"
 #include "RtspWorld.h"
 
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
 
 namespace
 {
@@ -382,6 +386,112 @@ TEST_F(RtspCommands, TheSessionIdStaysTheSame)
     EXPECT_NE(std::string::npos, peer.ReadAnswer().find("Session: " + id + "\r\n"));
     EXPECT_EQ(15u, id.find_first_not_of("0123456789") == std::string::npos ? id.size() : 0);
     EXPECT_NE('0', id[0]);
+}
+
+/// What each command answers in each state, and whether the session goes on.
+struct StateCase
+{
+    const char* name;
+    const char* method;
+    int state; // 0 at the beginning, 1 with a track set up, 2 playing
+    const char* status;
+    bool closes;
+};
+
+const StateCase STATE_CASES[] = {
+    {"OptionsAtTheBeginning", "OPTIONS", 0, "RTSP/1.0 200 OK", false},
+    {"OptionsWhenSetUp", "OPTIONS", 1, "RTSP/1.0 200 OK", false},
+    {"OptionsWhilePlaying", "OPTIONS", 2, "RTSP/1.0 200 OK", false},
+    {"DescribeAtTheBeginning", "DESCRIBE", 0, "RTSP/1.0 200 OK", false},
+    {"DescribeWhenSetUp", "DESCRIBE", 1, "RTSP/1.0 200 OK", false},
+    {"DescribeWhilePlaying", "DESCRIBE", 2, "RTSP/1.0 200 OK", false},
+    {"SetupAtTheBeginning", "SETUP", 0, "RTSP/1.0 200 OK", false},
+    {"SetupOfAnotherTrackWhenSetUp", "SETUP", 1, "RTSP/1.0 200 OK", false},
+    {"SetupOfAnotherTrackWhilePlaying", "SETUP", 2, "RTSP/1.0 200 OK", false},
+    {"PlayAtTheBeginning", "PLAY", 0, "RTSP/1.0 404 File Not Found, Or In Incorrect Format", true},
+    {"PlayWhenSetUp", "PLAY", 1, "RTSP/1.0 200 OK", false},
+    {"PlayWhilePlaying", "PLAY", 2, "RTSP/1.0 405 Method Not Allowed", false},
+    {"TeardownAtTheBeginning", "TEARDOWN", 0, "RTSP/1.0 404 Stream Not Found", true},
+    {"TeardownWhenSetUp", "TEARDOWN", 1, "RTSP/1.0 200 OK", true},
+    {"TeardownWhilePlaying", "TEARDOWN", 2, "RTSP/1.0 200 OK", true},
+    {"GetParameterAtTheBeginning", "GET_PARAMETER", 0, "RTSP/1.0 404 Stream Not Found", true},
+    {"GetParameterWhenSetUp", "GET_PARAMETER", 1, "RTSP/1.0 200 OK", false},
+    {"GetParameterWhilePlaying", "GET_PARAMETER", 2, "RTSP/1.0 200 OK", false},
+    {"SetParameterAtTheBeginning", "SET_PARAMETER", 0, "RTSP/1.0 404 Stream Not Found", true},
+    {"SetParameterWhenSetUp", "SET_PARAMETER", 1, "RTSP/1.0 200 OK", false},
+    {"SetParameterWhilePlaying", "SET_PARAMETER", 2, "RTSP/1.0 200 OK", false},
+};
+
+class RtspState : public RtspCommands, public ::testing::WithParamInterface<StateCase>
+{
+};
+
+TEST_P(RtspState, AnswersAndStaysOrCloses)
+{
+    world.BeginLive();
+    Describe();
+    if (GetParam().state > 0)
+        Setup(1, "RTP/AVP/TCP;interleaved=2-3");
+    if (GetParam().state > 1)
+        Ask(Request("PLAY", Url("/live/one")));
+    const bool setup = GetParam().method == std::string("SETUP");
+    const std::string answer =
+        setup ? Setup(0, "RTP/AVP/TCP;interleaved=0-1") : Ask(Request(GetParam().method, Url("/live/one")));
+    EXPECT_EQ(GetParam().status, answer.substr(0, answer.find("\r\n")));
+    world.Rounds(3);
+    EXPECT_EQ(GetParam().closes, peer.IsClosedNow());
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, RtspState, ::testing::ValuesIn(STATE_CASES),
+                         [](const auto& test) { return test.param.name; });
+
+TEST_F(RtspCommands, AConnectionGetsItsBuffersAndSendsAtOnce)
+{
+    ::testing::internal::CaptureStderr();
+    const Peer other = world.Connect();
+    const std::string lines = ::testing::internal::GetCapturedStderr();
+    const std::string expected = "rtsp accept 127.0.0.1:" + std::to_string(other.LocalPort()) + "  sock = ";
+    const std::size_t found = lines.find(expected);
+    ASSERT_NE(std::string::npos, found) << lines;
+    const int sock = std::atoi(lines.c_str() + found + expected.size());
+    EXPECT_NE(std::string::npos, lines.find("+++++++++++++++++++++m_sessionList.size() = 2\n"));
+
+    const auto option = [sock](int level, int name)
+    {
+        int value = -1;
+        socklen_t length = sizeof(value);
+        getsockopt(sock, level, name, &value, &length);
+        return value;
+    };
+    EXPECT_EQ(2 * 0x20000, option(SOL_SOCKET, SO_SNDBUF)); // the kernel tells twice what was asked for
+    EXPECT_EQ(2 * 0x20000, option(SOL_SOCKET, SO_RCVBUF));
+    EXPECT_EQ(1, option(IPPROTO_TCP, TCP_NODELAY));
+}
+
+TEST_F(RtspCommands, APortInUseIsToldOnTheConsole)
+{
+    CRTSP_Server* second = CRTSP_Server::Create_RTSP_Server(world.scheduler, nullptr);
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(-1, second->Start_RTSP_Server(world.server->GetPort()));
+    EXPECT_EQ("creat listen socket error ", ::testing::internal::GetCapturedStderr().substr(0, 26));
+    EXPECT_EQ(0, second->Stop_RTSP_Server()); // was never started
+    EXPECT_EQ(0, second->Start_RTSP_Server(0));
+    second->Stop_RTSP_Server();
+    second->Destroy();
+}
+
+TEST_F(RtspCommands, AStartedServerIsNotStartedAgain)
+{
+    const unsigned short port = world.server->GetPort();
+    EXPECT_EQ(0, world.server->Start_RTSP_Server(0));
+    EXPECT_EQ(port, world.server->GetPort());
+}
+
+TEST_F(RtspCommands, AnUnknownMethodIsToldOnTheConsole)
+{
+    ::testing::internal::CaptureStderr();
+    Ask(Request("PAUSE", Url("/live/one")));
+    EXPECT_NE(std::string::npos, ::testing::internal::GetCapturedStderr().find("handleCmd_notSupported\n"));
 }
 
 class RtspLogin : public RtspCommands

@@ -145,6 +145,38 @@ TEST_F(RtspDataPath, ABase64MessageWithAContentLengthWaitsForItsBody)
     EXPECT_FALSE(peer.IsClosedNow());
 }
 
+TEST_F(RtspDataPath, OfThreeBase64MessagesInOneTextTheThirdIsLost)
+{
+    peer.Send(Base64(Options(5) + Options(6) + Options(7)));
+    EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), 5));
+    EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), 6));
+    world.Rounds(3);
+    EXPECT_EQ("", peer.Drain());
+}
+
+TEST_F(RtspDataPath, APlainMessageMayHaveABase64MessageBehindIt)
+{
+    peer.Send(Options(5) + Base64(Options(6)));
+    EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), 5));
+    EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), 6));
+}
+
+// The body takes what comes next, message by message, and more than it announced is told on the console.
+TEST_F(RtspDataPath, WhatABase64MessageWaitsForIsNotServed)
+{
+    const std::string message = "OPTIONS * RTSP/1.0\r\nCSeq: 5\r\nContent-Length: 4\r\n\r\n"; // 50 bytes, 68 in Base64
+    peer.Send(Base64(message));
+    world.Rounds(3);
+    ::testing::internal::CaptureStderr();
+    peer.Send(Options(6)); // 31 bytes, more than the 68 - 50 that are waited for
+    world.Rounds(3);
+    EXPECT_EQ("error recv more data~   m_iNeedMoreContentData = -13 ",
+              ::testing::internal::GetCapturedStderr().substr(0, 53));
+    EXPECT_EQ("", peer.Drain());
+    peer.Send(Options(7));
+    EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), 7));
+}
+
 TEST_F(RtspDataPath, Base64GarbageIsIgnored)
 {
     peer.Send(std::string(4000, '=') + std::string(200, 'A'));
@@ -203,6 +235,14 @@ TEST_F(RtspDataPath, ALongSpeechPacketReachesTheHostWhole)
     peer.Send(TalkPacket(speech));
     world.Rounds(3);
     EXPECT_EQ(std::string("\0\1\xa0\0", 4) + speech, world.stream.Speech());
+}
+
+TEST_F(RtspDataPath, SpeechIsToldOnTheConsole)
+{
+    ::testing::internal::CaptureStderr();
+    peer.Send(TalkPacket("hello"));
+    world.Rounds(3);
+    EXPECT_EQ("  ----- CRTSP_ClientSession::HandleTalkData, len:9  \n", ::testing::internal::GetCapturedStderr());
 }
 
 TEST_F(RtspDataPath, TheMarkerBitOfSpeechDoesNotMatter)

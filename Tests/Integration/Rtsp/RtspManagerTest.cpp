@@ -177,8 +177,8 @@ protected:
         playing = Peer(manager.GetPort());
         EXPECT_EQ("RTSP/1.0 200 OK", Play(stalled, "/manager/waiting", 0));
         EXPECT_EQ("RTSP/1.0 200 OK", Play(playing, "/manager/waiting", 0));
-        PushVideo(84, 0, KeyFrame(4000000), true, 2000000); // more than its socket takes
-        Skip(4000000);
+        PushVideo(84, 0, KeyFrame(1000000), true, 2000000); // more than its socket takes
+        Skip(1000000);
         PushVideo(84, 0, DeltaFrame(), false, 3000000); // waits in the stalled client's list
         EXPECT_EQ(20u + 16u, playing.Read(36).size());
         PushVideo(84, 0, DeltaFrame(), false, 6000000); // drops both there

@@ -82,8 +82,9 @@ private:
     int Note(const std::string& call, int result)
     {
         m_log.push_back(name + call);
-        if (onCall)
-            onCall();
+        const std::function<void()> then = onCall; // it may end this handler
+        if (then)
+            then();
         return result;
     }
 
