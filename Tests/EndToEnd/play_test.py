@@ -42,7 +42,7 @@ class Play(unittest.TestCase):
     def test_time_stamps_advance_as_the_media_do(self):
         for transport in TRANSPORTS:
             with self.subTest(transport):
-                times = played_times(self.camera.url(), transport, 5)
+                times = played_times(self.camera.url(), transport, 7)
                 # ffprobe places the first packets over UDP anew when the first sender reports have come.
                 begin = 2 if transport == "udp" else 0
                 video, audio = times["video"][begin:], times["audio"][begin:]
