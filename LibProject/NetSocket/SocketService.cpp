@@ -6,7 +6,7 @@
 namespace
 {
 
-constexpr std::uint64_t QUIT_LINGER_MS = 1000;
+constexpr std::uint64_t QUIT_LINGER_MS = 250;
 
 } // namespace
 
