@@ -1,11 +1,13 @@
 // Tracks over UDP: packets, reports, ports.
 
 #include "ByteOrder.h"
+#include "RTSP_ClientSession.h"
 #include "RTSP_RTCPLink.h"
 #include "RTSP_RTCPLink_UDP_Multicast.h"
 #include "RTSP_RTPLink.h"
 #include "RTSP_RTPLink_UDP_Multicast.h"
 #include "RtspWorld.h"
+#include "ShareSDK.h"
 
 #include <arpa/inet.h>
 #include <filesystem>
@@ -322,6 +324,103 @@ TEST_F(RtspMulticast, TheFirstStopLeavesTheStreamFlowing)
     rtp->Destroy();
     rtp->Destroy();
     close(sockets[2]);
+}
+
+/// Sessions on one end of a socket pair, made for links alone.
+class RtspLinkTimeOut : public RtspMulticast
+{
+protected:
+    RtspLinkTimeOut() { SHARESDK_SetLogLevel(SHARESDK_LOG_NONE); } // the console lines alone
+    ~RtspLinkTimeOut() override { SHARESDK_SetLogLevel(SHARESDK_LOG_ALL); }
+
+    struct Client
+    {
+        CRTSP_ClientSession* session;
+        int sock; // the session's
+        int far;
+    };
+    Client MakeClient()
+    {
+        int pair[2];
+        socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, pair);
+        return {CRTSP_ClientSession::Create_RTSP_ClientSession(world.scheduler, *world.server, pair[0], ""), pair[0],
+                pair[1]};
+    }
+    static bool IsEnded(const Client& client)
+    {
+        char byte = 0;
+        const bool ended = recv(client.far, &byte, 1, MSG_DONTWAIT) == 0;
+        close(client.far);
+        return ended;
+    }
+    static std::string SessionLine(const Client& client)
+    {
+        return "rtsp session time out, sock = " + std::to_string(client.sock) + "\n";
+    }
+};
+
+TEST_F(RtspLinkTimeOut, OfAUnicastLinkEndsItsSession)
+{
+    const RTSP_STREAM_CFG config;
+    for (const bool ofReports : {false, true})
+    {
+        const Client client = MakeClient();
+        CRTSP_RTCPLink* rtcp = nullptr;
+        CRTSP_RTPLink* rtp = nullptr;
+        ASSERT_EQ(0,
+                  world.server->Create_RTP_RTCP_Link_UDP(client.session, 1, &rtcp, &rtp, "127.0.0.1", 9, 9, &config));
+        ::testing::internal::CaptureStderr();
+        CRTSP_SockHandler* link = rtp;
+        if (ofReports)
+            link = rtcp;
+        link->HandleTimeOut(SOCK_HANDLER_RECV);
+        EXPECT_EQ((ofReports ? "RTCP Time Out " : "RTP Time Out ") + SessionLine(client),
+                  ::testing::internal::GetCapturedStderr());
+        EXPECT_TRUE(IsEnded(client));
+        ::testing::internal::CaptureStderr();
+        rtcp->Destroy();
+        rtp->Destroy();
+        const std::string lines = ::testing::internal::GetCapturedStderr();
+        EXPECT_EQ(0u, lines.find("RTcP sock "));
+        EXPECT_NE(std::string::npos, lines.find("\nRTP sock "));
+    }
+}
+
+// The first user may hold the last reference to the link, so it goes last.
+TEST_F(RtspLinkTimeOut, OfASharedLinkEndsItsUsersTheFirstLast)
+{
+    const Client clients[] = {MakeClient(), MakeClient(), MakeClient()};
+    CRTSP_RTPLink* rtp = nullptr;
+    for (const Client& client : clients)
+    {
+        sockets.push_back(world.server->Create_A_Valid_Sock(1, "127.0.0.1", 0));
+        rtp = CRTSP_RTPLink_UDP_Multicast::Create_RTSP_RTPLink_UDP_Multicast(
+            {client.session, htonl(INADDR_LOOPBACK), 9, {}, 1, 1, world.scheduler, sockets.back()});
+    }
+    ::testing::internal::CaptureStderr();
+    rtp->HandleTimeOut(SOCK_HANDLER_SEND);
+    EXPECT_EQ("Multicast RTP Time Out " + SessionLine(clients[1]) + SessionLine(clients[2]) + SessionLine(clients[0]),
+              ::testing::internal::GetCapturedStderr());
+    for (const Client& client : clients)
+        EXPECT_TRUE(IsEnded(client));
+    ::testing::internal::CaptureStderr();
+    for (int i = 0; i < 3; ++i)
+        rtp->Destroy();
+    EXPECT_EQ("m_NURTPMulticast = 2\nm_NURTPMulticast = 1\nMulticast RTP sock " + std::to_string(sockets[0]) + "\n",
+              ::testing::internal::GetCapturedStderr());
+    close(sockets[1]);
+    close(sockets[2]);
+}
+
+TEST_F(RtspMulticast, AUserThatGoesIsNotTimedOutLater)
+{
+    auto* gone = reinterpret_cast<CRTSP_ClientSession*>(&world); // never looked at
+    sockets.push_back(world.server->Create_A_Valid_Sock(1, "127.0.0.1", 0));
+    CRTSP_RTPLink* rtp = CRTSP_RTPLink_UDP_Multicast::Create_RTSP_RTPLink_UDP_Multicast(
+        {gone, htonl(INADDR_LOOPBACK), 9, {}, 1, 1, world.scheduler, sockets.back()});
+    rtp->CRTSP_Erase(gone);
+    rtp->HandleTimeOut(SOCK_HANDLER_SEND);
+    rtp->Destroy();
 }
 
 } // namespace
