@@ -21,7 +21,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <strings.h>
 
 namespace
 {
@@ -40,16 +39,6 @@ constexpr std::size_t USER_TEXT_BYTES = 256;
 bool BeginsWith(const char* text, const char* prefix)
 {
     return std::strncmp(text, prefix, std::strlen(prefix)) == 0;
-}
-
-/// A request as the log may show it: cut, and without credentials.
-std::string ForLog(const char* text)
-{
-    std::string shown(text, strnlen(text, 160));
-    const char* credentials = strcasestr(shown.c_str(), "authorization:");
-    if (credentials != nullptr)
-        shown = shown.substr(0, static_cast<std::size_t>(credentials - shown.c_str())) + "authorization: ***";
-    return shown;
 }
 
 bool ReadDate(const std::string& text, NETNS::DEV_DATE& date)
@@ -115,7 +104,7 @@ int CRTSP_ClientSession::ServeMessage(char* msg, int len, int headerEnd)
     if (!protocol.Parse())
     {
         RTSP_LogLine(__FILE__, __LINE__, " rtsp cmd parse error, take care!!!!!");
-        RTSP_LogLine(__FILE__, __LINE__, " rtsp cmd len:%d, ----%s----.", len, ForLog(msg).c_str());
+        RTSP_LogLine(__FILE__, __LINE__, " rtsp cmd len:%d, ----%s----.", len, TextForLog(msg).c_str());
         handleCmd_bad(0);
         return SendAnswer();
     }

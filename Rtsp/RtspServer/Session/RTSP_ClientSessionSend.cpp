@@ -6,6 +6,7 @@
 #include "PFAssert.h"
 #include "RTSP_Console.h"
 #include "RTSP_DataManager.h"
+#include "RTSP_SessionTexts.h"
 #include "RTSP_SockScheduler.h"
 #include "ShareSDK.h"
 #include "SharedData.h"
@@ -42,7 +43,7 @@ int CRTSP_ClientSession::SendCmdData(const char* text, int len)
 {
     PF_ASSERT(0 != len);
     if (m_dynamicRate != DYNAMIC_RATE_ASKED)
-        RTSP_LogLine(__FILE__, __LINE__, "send data :\n%s\n", text);
+        RTSP_LogLine(__FILE__, __LINE__, "send data :\n%s\n", TextForLog(text).c_str());
     if (m_hasPending)
     {
         QueueCommand(text, len);

@@ -32,6 +32,25 @@ void MakeSessionId(char (&sessionId)[16])
     sessionId[DIGITS] = '\0';
 }
 
+std::string TextForLog(const char* text)
+{
+    constexpr std::size_t SHOWN_BYTES = 240;
+    std::string shown(text, strnlen(text, SHOWN_BYTES));
+    if (const char* header = strcasestr(shown.c_str(), "authorization:"))
+        shown = shown.substr(0, static_cast<std::size_t>(header - shown.c_str())) + "authorization: ***";
+    for (std::size_t scheme = shown.find("://"); scheme != std::string::npos; scheme = shown.find("://", scheme + 1))
+    {
+        const std::size_t user = scheme + 3;
+        const std::size_t end = std::min(shown.find_first_of("/ \r\n", user), shown.size());
+        const std::size_t at = shown.rfind('@', end);
+        if (at != std::string::npos && at > user)
+            shown.replace(user, at - user, "***");
+        else if (end == shown.size())
+            shown.resize(user); // the cut may have taken the "@"
+    }
+    return shown;
+}
+
 void ReadCookies(const char* text, char (&cookie)[51], char (&cookieInPost)[51])
 {
     constexpr const char* NAME = "x-sessioncookie: ";

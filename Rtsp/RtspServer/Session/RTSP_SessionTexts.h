@@ -16,6 +16,9 @@ std::string DateHeader(std::time_t now);
 /// Writes 15 random decimal digits, the first not 0, and a zero byte.
 void MakeSessionId(char (&sessionId)[16]);
 
+/// A message as the log may show it: cut, and without the credentials of its header and of its URLs.
+std::string TextForLog(const char* text);
+
 /// Takes the "x-sessioncookie: " of a tunnel's GET or POST: at most 50 bytes, up to a blank, a tab or CR. Both cookies
 /// are cleared first.
 void ReadCookies(const char* text, char (&cookie)[51], char (&cookieInPost)[51]);

@@ -20,6 +20,14 @@ TEST(RTSP_SessionTexts, ASessionIdIsFifteenDigits)
     EXPECT_NE('0', id[0]);
 }
 
+TEST(RTSP_SessionTexts, TheLogShowsNoCredentials)
+{
+    EXPECT_EQ("PLAY rtsp://***@host/a RTSP/1.0\r\nauthorization: ***",
+              TextForLog("PLAY rtsp://admin:p@ss@host/a RTSP/1.0\r\nAuthorization: Basic YWRtaW46cA==\r\n\r\n"));
+    EXPECT_EQ("PLAY rtsp://host/a@b RTSP/1.0\r\n", TextForLog("PLAY rtsp://host/a@b RTSP/1.0\r\n"));
+    EXPECT_EQ("rtsp://", TextForLog(("rtsp://admin:" + std::string(300, 'p') + "@host/").c_str()));
+}
+
 struct Cookies
 {
     char get[51] = "old";
