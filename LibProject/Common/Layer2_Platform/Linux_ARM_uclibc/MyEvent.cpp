@@ -23,10 +23,11 @@ constexpr long FUTEX_CALL = SYS_futex;
 #endif
 
 /// Sleeps while the word is `value`, up to the deadline. May return without a reason.
+/// @param deadline  null: none
 /// @return false when the deadline has passed
-bool FutexWait(std::atomic<std::uint32_t>& word, std::uint32_t value, const timespec& deadline)
+bool FutexWait(std::atomic<std::uint32_t>& word, std::uint32_t value, const timespec* deadline)
 {
-    return syscall(FUTEX_CALL, &word, FUTEX_WAIT_BITSET_PRIVATE, value, &deadline, nullptr, FUTEX_BITSET_MATCH_ANY) ==
+    return syscall(FUTEX_CALL, &word, FUTEX_WAIT_BITSET_PRIVATE, value, deadline, nullptr, FUTEX_BITSET_MATCH_ANY) ==
                0 ||
            errno != ETIMEDOUT;
 }
@@ -69,10 +70,11 @@ unsigned int CMyEvent::WaitEvent(unsigned int ms) const
         return EVENT_SET;
     }
     const timespec deadline = MonotonicDeadline(ms);
+    const timespec* const limit = ms == WITHOUT_LIMIT ? nullptr : &deadline;
     bool inTime = true;
     while (inTime)
     {
-        inTime = FutexWait(m_signalCount, 0, deadline);
+        inTime = FutexWait(m_signalCount, 0, limit);
         if (TakeSignal())
         {
             return EVENT_SET;
