@@ -24,11 +24,11 @@ constexpr int DRAIN_BYTES = 64 * 1024;
 constexpr int WOULD_BLOCK = -1;
 
 /// @return bytes sent, WOULD_BLOCK, or 0 with `broken` set
-int SendNow(int fd, const char* data, int length, bool& broken)
+int SendNow(int fd, const char* data, int length, int flags, bool& broken)
 {
     for (;;)
     {
-        const ssize_t sent = send(fd, data, static_cast<std::size_t>(length), MSG_DONTWAIT | MSG_NOSIGNAL);
+        const ssize_t sent = send(fd, data, static_cast<std::size_t>(length), flags | MSG_DONTWAIT | MSG_NOSIGNAL);
         if (sent >= 0)
         {
             return static_cast<int>(sent);
@@ -129,7 +129,7 @@ CConnection::State CConnection::ResolveConnect(std::uint64_t deadlineMs)
     pollfd outcome = {m_socket.Get(), POLLOUT, 0};
     if (poll(&outcome, 1, 0) != 1)
     {
-        return m_state; // woken by the service's end
+        return m_state; // woken by the connection's end
     }
     int error = 0;
     socklen_t size = sizeof(error);
@@ -167,8 +167,8 @@ bool CConnection::Wait(short events, std::uint64_t deadlineMs)
     bool ready = true;
     if (!m_retired)
     {
-        pollfd descriptors[] = {{m_socket.Get(), events, 0}, {m_quit->Descriptor(), POLLIN, 0}};
-        ready = PollUntil(descriptors, 2, deadlineMs) != 0;
+        pollfd descriptor = {m_socket.Get(), events, 0};
+        ready = PollUntil(&descriptor, 1, deadlineMs) != 0;
     }
     --m_waiting;
     return ready;
@@ -200,7 +200,7 @@ bool CConnection::WaitRecv(unsigned int timeoutMs)
     return m_state == State::Failed || Wait(POLLIN, DeadlineAfter(timeoutMs));
 }
 
-int CConnection::Send(const char* data, int length, bool& broken)
+int CConnection::Send(const char* data, int length, SendKind kind, bool& broken)
 {
     if (ResolveConnect(m_connectDeadlineMs) != State::Connected)
     {
@@ -212,28 +212,36 @@ int CConnection::Send(const char* data, int length, bool& broken)
     {
         return 0;
     }
-    int sent = SendNow(m_socket.Get(), data, length, broken);
+    const int flags = kind == SendKind::Last ? MSG_MORE : 0;
+    int sent = SendNow(m_socket.Get(), data, length, flags, broken);
     if (sent == WOULD_BLOCK && Wait(POLLOUT, DeadlineAfter(SEND_WINDOW_MS)))
     {
-        sent = SendNow(m_socket.Get(), data, length, broken);
+        sent = SendNow(m_socket.Get(), data, length, flags, broken);
     }
     broken = broken || (sent == WOULD_BLOCK && m_quit->IsGiven());
     return sent > 0 ? sent : 0;
 }
 
-void CConnection::EndUse()
+bool CConnection::EndUse()
 {
-    m_retired = true;
+    if (m_retired.exchange(true))
+    {
+        return false;
+    }
     m_node.End();
     if (m_listener != nullptr)
     {
         m_listener->ConnectionEnded();
     }
+    return true;
 }
 
 bool CConnection::Retire()
 {
-    EndUse();
+    if (!EndUse())
+    {
+        return false;
+    }
     if (ResolveConnect(0) != State::Connected)
     {
         GiveUpConnect();

@@ -37,7 +37,12 @@ public:
     // As the operations of NetSocket.h.
     int Recv(char* buffer, int length, bool* broken);
     bool WaitRecv(unsigned int timeoutMs);
-    int Send(const char* data, int length, bool& broken);
+    enum class SendKind
+    {
+        Plain,
+        Last, // the system may hold bytes back until the connection is ended
+    };
+    int Send(const char* data, int length, SendKind kind, bool& broken);
     /// @return 0 under way, 1 connected, -1 failed
     int ConnectResult(unsigned int timeoutMs);
     void GiveUpConnect();
@@ -48,7 +53,7 @@ public:
     /// After Retire: reads and drops what has come.
     /// @return true when the peer has closed or the limit is reached, and the socket can go
     bool Drain();
-    /// Ends the connection without care for the peer.
+    /// Ends the connection without care for the peer, and wakes who waits for it. Its further use fails.
     void Cut();
 
 private:
@@ -62,7 +67,7 @@ private:
     void BeginConnect();
     State ResolveConnect(std::uint64_t deadlineMs);
     bool Wait(short events, std::uint64_t deadlineMs);
-    void EndUse();
+    bool EndUse();
 
     const CFileDescriptor m_socket;
     sockaddr_in m_peer{};

@@ -117,6 +117,7 @@ void CListener::Run(void* listener)
     std::unique_ptr<std::shared_ptr<CListener>> reference(static_cast<std::shared_ptr<CListener>*>(listener));
     const std::shared_ptr<CListener> self = std::move(*reference);
     reference.reset();
+    SHARESDK_LetOthersFinish(); // a callback that has begun ends before the next connection is taken
     self->Serve();
 }
 
@@ -355,6 +356,10 @@ void CListener::HandOver(CFileDescriptor socket, const sockaddr_in& peer)
         Report("too many connections, one is refused");
         connection->Cut();
         return;
+    }
+    if (m_quit->IsGiven())
+    {
+        connection->Cut(); // the service has ended its connections already
     }
     m_observer->OnAcceptCreateSocket(handle, m_port, peer.sin_addr.s_addr);
 }

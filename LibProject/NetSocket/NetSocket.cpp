@@ -6,6 +6,22 @@
 
 #include <arpa/inet.h>
 
+namespace
+{
+
+int Send(int handle, const char* data, int length, CConnection::SendKind kind, bool& broken)
+{
+    const auto connection = CSocketService::Instance().Find(handle);
+    if (connection != nullptr)
+    {
+        return connection->Send(data, length, kind, broken);
+    }
+    broken = true;
+    return 0;
+}
+
+} // namespace
+
 bool NET_SOCKET_Initial(const char*)
 {
     return CSocketService::Instance().Initial();
@@ -54,13 +70,12 @@ bool NET_SOCKET_WaitRecv(int handle, unsigned int timeoutMs)
 
 int NET_SOCKET_Send_Immediate(int handle, const char* data, int length, bool& broken)
 {
-    const auto connection = CSocketService::Instance().Find(handle);
-    if (connection != nullptr)
-    {
-        return connection->Send(data, length, broken);
-    }
-    broken = true;
-    return 0;
+    return Send(handle, data, length, CConnection::SendKind::Plain, broken);
+}
+
+int NET_SOCKET_Send_Last(int handle, const char* data, int length, bool& broken)
+{
+    return Send(handle, data, length, CConnection::SendKind::Last, broken);
 }
 
 void NET_SOCKET_DestroyHNetCommunication(int handle)

@@ -83,6 +83,10 @@ bool NET_SOCKET_WaitRecv(int handle, unsigned int timeoutMs);
 /// @return bytes taken, 0 or less when none
 int NET_SOCKET_Send_Immediate(int handle, const char* data, int length, bool& broken);
 
+/// NET_SOCKET_Send_Immediate for bytes behind which the connection is ended at once: they may be held back until
+/// NET_SOCKET_DestroyHNetCommunication, so that the end travels in one packet with them.
+int NET_SOCKET_Send_Last(int handle, const char* data, int length, bool& broken);
+
 /// Ends a connection; the handle is free at once. What was sent is delivered: the sending side is shut down, and what
 /// the peer still sends is read and dropped for up to 1 second or 64 KiB, off the caller's thread, before the socket is
 /// closed. Does nothing for an unknown handle.

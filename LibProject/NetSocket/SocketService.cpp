@@ -53,14 +53,12 @@ void CSocketService::Quit()
     lock.unlock();
 
     const std::uint64_t deadlineMs = DeadlineAfter(QUIT_LINGER_MS);
+    CutAllConnections(); // so that no callback waits for a peer
     for (const auto& listener : listeners)
     {
         listener.second->Stop();
     }
-    for (const auto& connection : m_table.TakeAll())
-    {
-        connection->Cut();
-    }
+    CutAllConnections(); // those that were accepted meanwhile
     loop->FinishLingering(deadlineMs);
     loop->Stop();
 
@@ -69,6 +67,14 @@ void CSocketService::Quit()
     m_quit = nullptr;
     m_quitting = false;
     m_quitDone.notify_all();
+}
+
+void CSocketService::CutAllConnections()
+{
+    for (const auto& connection : m_table.TakeAll())
+    {
+        connection->Cut();
+    }
 }
 
 bool CSocketService::StartListen(unsigned short port, CListenSocketObserver* observer, unsigned int localAddress,

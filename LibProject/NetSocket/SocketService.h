@@ -17,8 +17,8 @@ public:
 
     /// @return false when threads or descriptors could not be had; true also when it runs already
     bool Initial();
-    /// Order: waiting calls are woken; listeners end, with their callbacks; connections end; those that linger get a
-    /// second at most; the event thread ends.
+    /// Order: connections end, and waiting calls with them; listeners end, with their callbacks; connections that
+    /// linger get a second at most; the event thread ends.
     void Quit();
 
     bool StartListen(unsigned short port, CListenSocketObserver* observer, unsigned int localAddress,
@@ -39,6 +39,7 @@ public:
 
 private:
     CSocketService() = default;
+    void CutAllConnections();
 
     CConnectionTable m_table;
 

@@ -27,6 +27,11 @@ bool SHARESDK_ResumeThread(unsigned int handle);
 /// @return false for an unknown handle
 bool SHARESDK_DestroyThread(unsigned int handle, const char* file, int line);
 
+/// For threads that do many short tasks, called by the thread itself: when woken it waits for its turn instead of
+/// interrupting a running thread (SCHED_BATCH), so that several tasks are done at one go, and threads that are late, as
+/// those that send streams, come first.
+void SHARESDK_LetOthersFinish();
+
 /// Writes a log line: date, time, kernel thread id, kind, place, text. Control characters become blanks, so that a line
 /// stays one line. @param file, line  the place in the source
 void SHARESDK_NormalOutput(const char* text, const char* file, unsigned int line);

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include <pthread.h>
+#include <sched.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -227,6 +228,12 @@ unsigned int SHARESDK_GetThreadID(unsigned int handle)
 bool SHARESDK_ResumeThread(unsigned int handle)
 {
     return CThreadTable::Instance().Resume(handle);
+}
+
+void SHARESDK_LetOthersFinish()
+{
+    const sched_param priority = {};
+    sched_setscheduler(0, SCHED_BATCH, &priority);
 }
 
 bool SHARESDK_DestroyThread(unsigned int handle, const char* file, int line)

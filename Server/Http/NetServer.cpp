@@ -227,7 +227,7 @@ int CNetServer::ReplyExecute(int handle, const CHttpProtocolAnalyse& response)
     bool broken = false;
     while (remaining > 0 && !broken)
     {
-        const int sent = NET_SOCKET_Send_Immediate(handle, cursor, remaining, broken);
+        const int sent = NET_SOCKET_Send_Last(handle, cursor, remaining, broken);
         if (sent <= 0)
         {
             continue;

@@ -6,13 +6,6 @@
 
 #include <memory>
 
-namespace
-{
-
-const unsigned int WAIT_WITHOUT_LIMIT = 0xFFFFFFFF;
-
-} // namespace
-
 CThreadPool::CThreadPool(int poolSize, int maxPoolSize, bool createNow)
     : m_poolSize(poolSize), m_maxPoolSize(maxPoolSize)
 {
@@ -148,11 +141,12 @@ void CThreadPool::_ThreadProc(void* pool)
 
 void CThreadPool::ThreadLoop()
 {
+    SHARESDK_LetOthersFinish(); // several queued tasks are done at one go
     const unsigned int threadId = CPFHelper::GetThreadID();
     const std::shared_ptr<CMyEvent> event = GetWaitHandle(threadId);
     while (m_running)
     {
-        event->WaitEvent(WAIT_WITHOUT_LIMIT);
+        event->WaitEvent(CMyEvent::WITHOUT_LIMIT);
         if (!m_running)
         {
             break;

@@ -127,6 +127,18 @@ TEST_F(NetSocketConnection, SendWaitsATenthOfASecondForAShutWindow)
     EXPECT_LT(watch.ElapsedMs(), 5000);
 }
 
+TEST_F(NetSocketConnection, LastBytesArriveWithTheEnd)
+{
+    bool broken = false;
+    EXPECT_EQ(6, NET_SOCKET_Send_Last(m_handle, "answer", 6, broken));
+    EXPECT_EQ(5, NET_SOCKET_Send_Last(m_handle, " last", 5, broken));
+    EXPECT_FALSE(broken);
+    NET_SOCKET_DestroyHNetCommunication(m_handle);
+    EXPECT_EQ("answer last", m_peer.ReadAll());
+    EXPECT_EQ(0, NET_SOCKET_Send_Last(m_handle, "x", 1, broken));
+    EXPECT_TRUE(broken);
+}
+
 TEST_F(NetSocketConnection, SendOfNothingIsNothing)
 {
     bool broken = false;

@@ -116,6 +116,37 @@ TEST_F(NetSocketListen, EightSilentPeersDelayNeitherTheirPortNorAnother)
     EXPECT_TRUE(NET_SOCKET_StopListen(waitingPort));
 }
 
+// The thread that was overtaken in a slow callback comes back as a spare one; nothing is lost on the way.
+TEST_F(NetSocketListen, SlowAndShortCallbacksTakeTurns)
+{
+    class Mixed : public AcceptQueue
+    {
+    public:
+        void OnAcceptCreateSocket(int handle, unsigned short port, unsigned int address) override
+        {
+            if (++m_calls % 50 == 0)
+            {
+                std::this_thread::sleep_for(std::chrono::milliseconds(10)); // the slow callback
+            }
+            AcceptQueue::OnAcceptCreateSocket(handle, port, address);
+        }
+
+    private:
+        std::atomic<int> m_calls{0};
+    } mixed;
+    const QuitAtEnd quit;
+    const unsigned short port = Listen(mixed);
+    for (int i = 0; i < 1000; ++i)
+    {
+        TcpPeer peer = TcpPeer::Connect(port);
+        const int handle = mixed.Take().handle;
+        ASSERT_GT(handle, 0);
+        EXPECT_TRUE(SendAll(handle, "x"));
+        EXPECT_EQ("x", peer.Read(1));
+        NET_SOCKET_DestroyHNetCommunication(handle);
+    }
+}
+
 TEST_F(NetSocketListen, AtMostSixteenCallbacksOfAPortRunAtOnce)
 {
     WaitingObserver waiting;
@@ -313,7 +344,7 @@ TEST_F(NetSocketListen, WithoutDescriptorsPeersAreClosedAndLaterOnesAreServed)
             fillers.emplace_back(dup(0));
         } while (fillers.back().IsOpen());
 
-        // Each of the two threads in accept has its descriptor already; the four peers behind find none.
+        // A thread in accept has its descriptor already; the peers behind find none.
         ConnectAll(peers, port);
         const auto closedPeers = [&peers]
         {

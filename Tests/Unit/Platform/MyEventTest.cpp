@@ -19,6 +19,30 @@ long long MsOf(std::chrono::steady_clock::duration time)
 
 } // namespace
 
+TEST(MyEvent, WaitWithoutLimitEndsWithTheSignal)
+{
+    for (const bool manualReset : {false, true})
+    {
+        CMyEvent event(manualReset);
+        std::thread setter([&event] { event.SetEvent(); });
+        EXPECT_EQ(CMyEvent::EVENT_SET, event.WaitEvent(CMyEvent::WITHOUT_LIMIT));
+        setter.join();
+    }
+}
+
+// The waiter may be faster than the thread that has set the event.
+TEST(MyEvent, WaiterMayDestroyTheEventAtOnce)
+{
+    for (int i = 0; i < 1000; ++i)
+    {
+        auto* event = new CMyEvent(i % 2 == 0);
+        std::thread setter([event] { event->SetEvent(); });
+        EXPECT_EQ(CMyEvent::EVENT_SET, event->WaitEvent(10000));
+        delete event;
+        setter.join();
+    }
+}
+
 TEST(MyEvent, StartsUnset)
 {
     CMyEvent automatic(false);

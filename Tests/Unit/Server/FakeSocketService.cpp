@@ -224,6 +224,11 @@ int NET_SOCKET_Send_Immediate(int handle, const char* data, int length, bool& br
     return current->Send(handle, data, length, broken);
 }
 
+int NET_SOCKET_Send_Last(int handle, const char* data, int length, bool& broken)
+{
+    return current->Send(handle, data, length, broken);
+}
+
 void NET_SOCKET_DestroyHNetCommunication(int handle)
 {
     current->Destroy(handle);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -118,6 +119,20 @@ TEST(ShareSDKThread, KernelKeepsFifteenBytesOfTheName)
     Probe probe;
     Destroy(Create(Note, &probe, false, "##Thread Pool Thread##"));
     EXPECT_EQ("##Thread Pool T", probe.name);
+}
+
+TEST(ShareSDKThread, ThreadMayLetOthersFinishFirst)
+{
+    static std::atomic<int> policy{-1};
+    Destroy(Create(
+        [](void*)
+        {
+            SHARESDK_LetOthersFinish();
+            policy = sched_getscheduler(0);
+        },
+        nullptr, false));
+    EXPECT_EQ(SCHED_BATCH, policy);
+    EXPECT_EQ(SCHED_OTHER, sched_getscheduler(0));
 }
 
 TEST(ShareSDKThread, UnknownHandlesFail)

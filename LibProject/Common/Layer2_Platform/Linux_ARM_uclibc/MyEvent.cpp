@@ -26,7 +26,11 @@ unsigned int CMyEvent::WaitEvent(unsigned int ms) const
     CMySingleLock guard(m_lock);
     while (m_signalCount == 0)
     {
-        if (!m_condition.WaitUntil(m_lock, deadline) && m_signalCount == 0)
+        if (ms == WITHOUT_LIMIT)
+        {
+            m_condition.Wait(m_lock);
+        }
+        else if (!m_condition.WaitUntil(m_lock, deadline) && m_signalCount == 0)
         {
             return EVENT_TIMED_OUT;
         }

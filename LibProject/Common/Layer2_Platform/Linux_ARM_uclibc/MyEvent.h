@@ -21,6 +21,9 @@ public:
     /// @return true
     bool ResetEvent();
 
+    static constexpr unsigned int WITHOUT_LIMIT = 0xFFFFFFFF;
+
+    /// @param ms  WITHOUT_LIMIT waits for ever
     /// @return 0 once the event is set, 258 when `ms` milliseconds have passed
     unsigned int WaitEvent(unsigned int ms) const;
 
