@@ -1,8 +1,12 @@
 // NetServerDataProc.h: decides what one HTTP request is: a file of the web root, an API command, a request that the
 // host answers itself, or a 404.
 //
-// Up to four workers at once, without a lock: nothing changes after Initial and Start.
+// Up to four workers at once. Each request is answered with the settings that stood when it came, also when the host
+// starts the server anew meanwhile.
 #pragma once
+
+#include "Lock.h"
+#include "ThreadAnnotations.h"
 
 #include <list>
 #include <map>
@@ -46,15 +50,27 @@ public:
 private:
     CNetServerDataProc() = default;
 
-    int ServeFile(const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
-    int ServeCommand(const std::string& ip, const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
-    int ServeByHost(const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
-    bool FindFile(const std::string& url, FileBytes& file);
+    struct SETTINGS
+    {
+        std::map<std::string, unsigned int> commands; // numbers by word; empty while the API is off
+        std::list<std::string> unused;                // one empty text; nothing reads it
+        CDevInterface* dev = nullptr;
+        std::string webRoot; // ends in "/", or is empty
+        std::string oldVersion;
+        std::string newVersion;
+    };
 
-    std::map<std::string, unsigned int> m_commands; ///< numbers by word; empty while the API is off
-    std::list<std::string> m_unused;                ///< one empty text; nothing reads it
-    CDevInterface* m_dev = nullptr;
-    std::string m_webRoot; ///< ends in "/", or is empty
-    std::string m_oldVersion;
-    std::string m_newVersion;
+    std::shared_ptr<const SETTINGS> Settings();
+    void SetSettings(const std::shared_ptr<const SETTINGS>& settings);
+
+    static int ServeFile(const SETTINGS& settings, const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
+    static bool FindFile(const SETTINGS& settings, const std::string& url, FileBytes& file);
+    static int ServeCommand(const SETTINGS& settings, const std::string& ip, const CHttpProtocolAnalyse& request,
+                            CHttpProtocolAnalyse& response);
+    static int ServeByHost(const SETTINGS& settings, const CHttpProtocolAnalyse& request,
+                           CHttpProtocolAnalyse& response);
+
+    // Held to take or replace the pointer; the settings behind it do not change.
+    CLock m_lock;
+    std::shared_ptr<const SETTINGS> m_settings GUARDED_BY(m_lock) = std::make_shared<SETTINGS>();
 };

@@ -159,6 +159,7 @@ TEST_F(NetSocketSimpleClient, QuitEndsARunningExchange)
     Serve(
         [&](TcpPeer& peer)
         {
+            EXPECT_EQ("request", peer.Read(7));
             m_connected.Open();
             peer.ReadAll();
         });

@@ -295,7 +295,8 @@ TEST_F(NetServerDataProc, MarkerMayStandAnywhereInTheMessage)
     EXPECT_EQ(Ok("image/png", "x"), Ask("GET /queryQRInfo?id=5 HTTP/1.1\r\n\r\n"));
     EXPECT_EQ(NOT_FOUND, Ask("POST /unknown HTTP/1.1\r\nContent-Length: 4\r\n\r\nbody"));
     EXPECT_EQ(NOT_FOUND, Ask("GET /orbit-700 HTTP/1.1\r\n\r\n"));
-    EXPECT_EQ(NOT_FOUND, Ask(std::string("POST /a HTTP/1.1\r\nContent-Length: 10\r\n\r\n\0ORBIT-700", 52)));
+    // A zero byte ends the text that is searched.
+    EXPECT_EQ(NOT_FOUND, Ask("POST /a HTTP/1.1\r\nContent-Length: 10\r\n\r\n" + std::string("\0ORBIT-700", 10)));
 }
 
 TEST_F(NetServerDataProc, HostsStatusAndMissingBodyGoOut)
