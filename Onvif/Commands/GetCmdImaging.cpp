@@ -1,0 +1,2 @@
+// The requests: the imaging commands.
+#include "GetCmd.h"

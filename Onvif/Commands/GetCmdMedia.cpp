@@ -1,0 +1,2 @@
+// The requests: the media commands.
+#include "GetCmd.h"

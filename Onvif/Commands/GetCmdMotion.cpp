@@ -1,0 +1,2 @@
+// The requests: motion, relays and digital inputs.
+#include "GetCmd.h"

@@ -1,0 +1,2 @@
+// The requests: the PTZ and cruise commands.
+#include "GetCmd.h"

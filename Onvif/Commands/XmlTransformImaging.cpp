@@ -1,0 +1,2 @@
+// The answers: the imaging commands.
+#include "XmlTransform.h"

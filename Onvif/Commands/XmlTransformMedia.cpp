@@ -1,0 +1,2 @@
+// The answers: the media commands.
+#include "XmlTransform.h"

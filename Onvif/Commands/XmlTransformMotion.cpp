@@ -1,0 +1,2 @@
+// The answers: motion, relays and digital inputs.
+#include "XmlTransform.h"

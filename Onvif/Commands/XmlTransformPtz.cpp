@@ -1,0 +1,2 @@
+// The answers: the PTZ and cruise commands.
+#include "XmlTransform.h"
