@@ -5,6 +5,7 @@
 // after LIFETIME_MS. Any thread; the socket service's event thread brings the news of a peer's close.
 #pragma once
 
+#include "Limits.h"
 #include "Lock.h"
 #include "NetSocket.h"
 #include "ThreadAnnotations.h"
@@ -14,7 +15,7 @@
 class CAbandonedConnections : public CSocketDataObserver
 {
 public:
-    static constexpr std::size_t CONNECTIONS_MAX = 32;
+    static constexpr std::size_t CONNECTIONS_MAX = LIMIT_ABANDONED_CONNECTIONS;
     static constexpr unsigned int LIFETIME_MS = 5 * 60 * 1000;
 
     CAbandonedConnections() = default;
