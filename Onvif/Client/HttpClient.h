@@ -217,8 +217,18 @@ private:
     /// An exchange whose answer goes through a transform. @return the exchange's result
     int Run(const char* service, const std::string& request, Transform transform, std::string& answer,
             unsigned int recvSize = COMMAND_BUFFER);
+    /// Exchanges with the media service, one for each `index` of a host's request that has a profile.
+    /// @param path  of the first `index`
+    /// @return the last exchange's result, after a failure no further one; ONVIF_NOTHING_DONE without an exchange
+    using ProfileBuilder = std::string (*)(const ONVIF_PROFILE_TOKEN& profile);
+    using IndexedTransform = void (*)(const std::string& soap, std::string& answer, int index);
+    int RunForEachIndex(const std::string& request, const char* path, ProfileBuilder builder,
+                        IndexedTransform transform, std::string& answer, unsigned int recvSize);
     /// An exchange whose answer is a `status` under a key of "SetResponse". @return the exchange's result
     int RunSet(const char* service, const std::string& request, const char* key, std::string& answer);
+    /// The same for a cruise. @return ONVIF_MISSING_FIELD, without an exchange, when the request is empty
+    int RunCruise(const std::string& request, const char* key, std::string& answer);
+    void KeepMotionName(char (ONVIF_PROFILE_TOKEN::*field)[64], const ONVIF_PROFILE_TOKEN& profile);
     std::string Stamp(const std::string& request) const;
 
     int GetCapabilitieUrl(SERVICE_TYPE type, std::string& url);

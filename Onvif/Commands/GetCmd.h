@@ -56,11 +56,57 @@ public:
 
     // Media.
 
+    std::string GetProfiles() const;
+    std::string GetProfile(const std::string& profileToken) const;
+    std::string GetVideoEncoderConfigurationOption(const std::string& profileToken,
+                                                   const std::string& encoderToken) const;
+    std::string GetVideoEncoderConfiguration(const std::string& encoderToken) const;
+    /// @param item        one encoder's settings in the host's request, with its `encodeToken`
+    /// @param encodeName  the name under which the device has it
+    std::string SetVideoEncoderConfiguration(CQLXXMLParse& request, const unsigned int& item,
+                                             const char* encodeName) const;
+    std::string GetStreamUri(const std::string& request) const;
+    std::string GetSnapshotUri(const std::string& request) const;
+
     // Imaging.
 
-    // PTZ and cruises.
+    std::string GetImgOptions(const std::string& request) const;
+    std::string GetImgSettings(const std::string& request) const;
+    std::string SetImgSettings(const std::string& request) const;
+    std::string ImgStop(const std::string& request) const;
+    /// The host's percentage of a speed. @param range  null: -1 to 1
+    std::string ContinuousFocus(const std::string& request, const ONVIF_RANGE* range) const;
+    std::string GetImgMoveOptions(const std::string& videoSourceToken) const;
 
-    // Motion, relays and digital inputs.
+    // PTZ and cruises. An empty text: the request of a cruise lacks a field.
+
+    std::string GetPTZCfgOptions(const std::string& ptzToken) const;
+    /// The host's percentages of speeds. @param velocity  null: all ranges from -1 to 1
+    std::string ContinuousMove(const std::string& request, const ONVIF_PTZ_VELOCITY* velocity) const;
+    std::string PTZStop(const std::string& request) const;
+    std::string GetPresets(const std::string& request) const;
+    std::string AddPreset(const std::string& request) const;
+    std::string ModifyPresetName(const std::string& request) const;
+    std::string RemovePreset(const std::string& request) const;
+    std::string GotoPreset(const std::string& request) const;
+    std::string GetCruises(const std::string& request) const;
+    std::string AddPresetTour(const std::string& request) const;
+    std::string ModifyCruise(const std::string& request) const;
+    std::string DelCruise(const std::string& request) const;
+    std::string OperateCruise(const std::string& request, CRUISE_OPERATE operate) const;
+
+    // Motion, relays and digital inputs. An empty text: the request has nothing for the module, or for the rule.
+
+    std::string GetAnalyticsModules(const std::string& analyticsToken) const;
+    std::string GetRules(const std::string& analyticsToken) const;
+    /// @param moduleName, ruleName  as the device was read with
+    std::string SetAnalyticsModules(const std::string& request, const std::string& analyticsToken,
+                                    const char* moduleName) const;
+    std::string SetRules(const std::string& request, const std::string& analyticsToken, const char* ruleName) const;
+    std::string GetRelayOutputs() const;
+    std::string SetRelayOutputs(const std::string& request) const;
+    std::string SetRelayOutputState(const std::string& request) const;
+    std::string GetDigitalInputs() const;
 
 private:
     CGetDefaultCmd() = default;

@@ -31,11 +31,44 @@ extern const std::string_view Subscribe;
 extern const std::string_view Unsubscribe;
 
 // Media.
+extern const std::string_view GetProfile;
+extern const std::string_view GetProfiles;
+extern const std::string_view GetSnapshotUri;
+extern const std::string_view GetStreamUri;
+extern const std::string_view GetVideoEncoderConfiguration;
+extern const std::string_view GetVideoEncoderConfigurationOptions;
+extern const std::string_view SetVideoEncoderConfiguration;
 
 // Imaging.
+extern const std::string_view ContinuousFocus;
+extern const std::string_view GetImgMoveOptions;
+extern const std::string_view GetImgOptions;
+extern const std::string_view GetImgSettings;
+extern const std::string_view ImgStop;
+extern const std::string_view SetImgSettings;
 
 // PTZ and cruises.
+extern const std::string_view ContinuousMove;
+extern const std::string_view CreatePresetTour;
+extern const std::string_view GetPTZCfgOptions;
+extern const std::string_view GetPresetTours;
+extern const std::string_view GetPresets;
+extern const std::string_view GotoPreset;
+extern const std::string_view ModifyPresetTour;
+extern const std::string_view OperatePresetTour;
+extern const std::string_view PTZStop;
+extern const std::string_view RemovePreset;
+extern const std::string_view RemovePresetTour;
+extern const std::string_view SetPreset;
 
 // Motion, relays and digital inputs.
+extern const std::string_view GetAnalyticsModules;
+extern const std::string_view GetDigitalInputs;
+extern const std::string_view GetRelayOutputs;
+extern const std::string_view GetRules;
+extern const std::string_view SetAnalyticsModules;
+extern const std::string_view SetRelayOutputSettings;
+extern const std::string_view SetRelayOutputState;
+extern const std::string_view SetRules;
 
 } // namespace ONVIF_TEMPLATES

@@ -69,9 +69,53 @@ public:
 
     // Media.
 
+    /// @param profiles  receives those with a video encoder, behind what is there; their names are cut to 63 bytes
+    /// @return ONVIF_OK, or ONVIF_FAULT with `profiles` as it was
+    static int TransGetProfiles(const std::string& soap, std::string& answer,
+                                std::vector<ONVIF_PROFILE_TOKEN>& profiles);
+    /// @param index  of the profile that was asked for; each answer is an `item` of its own
+    static void TransGetProfile(const std::string& soap, std::string& answer, int index);
+    static void TransGetVideoEncoderConfiguration(const std::string& soap, std::string& answer, int index);
+    static void TransGetVideoEncoderConfigurationOption(const std::string& soap, std::string& answer, int index);
+    static void TransSetVideoEncoderConfiguration(const std::string& soap, std::string& answer);
+    static void TransGetStreamUri(const std::string& soap, std::string& answer);
+    /// @param uri  receives the address; empty when the device gives none
+    static void TransGetSnapshotUri(const std::string& soap, std::string& answer, std::string& uri);
+
     // Imaging.
+
+    static void TransGetImgOptions(const std::string& soap, std::string& answer);
+    static void TransGetImgSettings(const std::string& soap, std::string& answer);
+    static void TransSetImgSettings(const std::string& soap, std::string& answer);
+    static void TransImgStop(const std::string& soap, std::string& answer);
+    static void TransContinuousFocus(const std::string& soap, std::string& answer);
+    /// @return ONVIF_OK, ONVIF_FAULT, or ONVIF_UNREADABLE when the device gives no such range
+    static int TransGetImgMoveOption(const std::string& soap, ONVIF_RANGE* range);
 
     // PTZ and cruises.
 
+    /// @return ONVIF_OK, ONVIF_FAULT, or ONVIF_UNREADABLE when the device does not give all the ranges
+    static int TransGetPTZCfgOptions(const std::string& soap, ONVIF_PTZ_VELOCITY* velocity);
+    static void TransContinuousMove(const std::string& soap, std::string& answer);
+    static void TransGetPresets(const std::string& soap, std::string& answer);
+    static void TransAddPreset(const std::string& soap, std::string& answer);
+    static void TransModifyPresetName(const std::string& soap, std::string& answer);
+    static void TransRemovePreset(const std::string& soap, std::string& answer);
+    static void TransGetCruises(const std::string& soap, std::string& answer);
+    static void TransAddPresetTour(const std::string& soap, std::string& answer);
+
     // Motion, relays and digital inputs.
+
+    /// @param moduleName  room for 64 bytes; receives the module's name, cut to 63 bytes, if the device gives one
+    static void TransGetAnalyticsModules(const std::string& soap, std::string& answer, char* moduleName);
+    /// Adds to the answer of TransGetAnalyticsModules; without it nothing is done.
+    /// @param ruleName  room for 64 bytes; receives the rule's name in the same way
+    static void TransGetRules(const std::string& soap, std::string& answer, char* ruleName);
+    static void TransSetAnalyticsModules(const std::string& soap, std::string& answer);
+    static void TransSetRules(const std::string& soap, std::string& answer);
+    /// An idle state other than "closed" and "open" ends the process.
+    static void TransGetRelayOutputs(const std::string& soap, std::string& answer);
+    static void TransSetRelayOutputs(const std::string& soap, std::string& answer);
+    static void TransSetRelayOutputState(const std::string& soap, std::string& answer);
+    static void TransGetDigitalInputs(const std::string& soap, std::string& answer);
 };
