@@ -110,7 +110,7 @@ void CXmlTransform::TransGetNetworkGateway(const std::string& soap, std::string&
     {
         const unsigned int gateway =
             out.Soap().GetFirstItem("s:Envelope/s:Body/tds:GetNetworkDefaultGatewayResponse/tds:NetworkGateway");
-        out.Copy(gateway, "tds:IPv4Address", status, "gateway");
+        out.Copy(gateway, "tt:IPv4Address", status, "gateway");
     }
 }
 
