@@ -221,6 +221,7 @@ void OnvifDeviceSimulator::Serve(int connection)
     OnvifAnswer answer;
     OnvifManners manners;
     bool refused = false;
+    std::function<void(const Request&)> hook;
     {
         const std::lock_guard<std::mutex> guard(m_mutex);
         m_requests.push_back(request);
@@ -228,6 +229,11 @@ void OnvifDeviceSimulator::Serve(int connection)
         answer = refused ? OnvifAnswer::Fault("ter:NotAuthorized", "Sender not Authorized") : Answer(request, soap);
         const auto own = m_mannersByOperation.find(request.operation);
         manners = own != m_mannersByOperation.end() ? own->second : m_manners;
+        hook = m_hook;
+    }
+    if (hook)
+    {
+        hook(request);
     }
     if (answer.IsFault() && manners.status == 200)
     {
@@ -422,6 +428,12 @@ void OnvifDeviceSimulator::SetAnswer(const std::string& operation, const OnvifAn
 void OnvifDeviceSimulator::Refuse(const std::string& operation, const std::string& subcode, const std::string& reason)
 {
     SetAnswer(operation, OnvifAnswer::Fault(subcode, reason));
+}
+
+void OnvifDeviceSimulator::SetHook(std::function<void(const Request&)> hook)
+{
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    m_hook = std::move(hook);
 }
 
 std::string OnvifDeviceSimulator::Value(const std::string& name) const
