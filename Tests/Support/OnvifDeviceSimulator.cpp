@@ -222,6 +222,7 @@ void OnvifDeviceSimulator::Serve(int connection)
     OnvifAnswer answer;
     OnvifManners manners;
     bool refused = false;
+    std::function<void(const Request&)> hook;
     {
         const std::lock_guard<std::mutex> guard(m_mutex);
         m_requests.push_back(request);
@@ -234,6 +235,11 @@ void OnvifDeviceSimulator::Serve(int connection)
             manners.delivery = OnvifManners::RAW;
             manners.raw = PictureAnswer(request);
         }
+        hook = m_hook;
+    }
+    if (hook)
+    {
+        hook(request);
     }
     if (answer.IsFault() && manners.status == 200)
     {
@@ -464,6 +470,12 @@ void OnvifDeviceSimulator::SetAnswer(const std::string& operation, const OnvifAn
 void OnvifDeviceSimulator::Refuse(const std::string& operation, const std::string& subcode, const std::string& reason)
 {
     SetAnswer(operation, OnvifAnswer::Fault(subcode, reason));
+}
+
+void OnvifDeviceSimulator::SetHook(std::function<void(const Request&)> hook)
+{
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    m_hook = std::move(hook);
 }
 
 std::string OnvifDeviceSimulator::Value(const std::string& name) const

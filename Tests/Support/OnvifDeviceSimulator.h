@@ -9,7 +9,7 @@
 
 #include "OnvifSimulatorSoap.h"
 
-#include <atomic>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <set>
@@ -103,6 +103,9 @@ public:
     /// An operation is answered with a fault.
     void Refuse(const std::string& operation, const std::string& subcode, const std::string& reason);
 
+    /// Runs on a thread of the camera when a request has come, before it is answered.
+    void SetHook(std::function<void(const Request&)> hook);
+
     /// What the camera keeps, by name; see the tables.
     std::string Value(const std::string& name) const;
     void SetValue(const std::string& name, const std::string& value);
@@ -137,4 +140,5 @@ private:
     std::map<std::string, OnvifAnswer> m_answers;
     std::map<std::string, std::string> m_values;
     std::set<std::string> m_nonces;
+    std::function<void(const Request&)> m_hook;
 };
