@@ -53,9 +53,9 @@ private:
             const std::lock_guard<std::mutex> lock(m_mutex);
             m_calls.push_back(call);
         }
-        if (action)
+        if (const std::function<void()> step = action) // a copy: the step may replace itself
         {
-            action();
+            step();
         }
     }
 
