@@ -17,6 +17,8 @@
 #include <thread>
 #include <vector>
 
+struct OnvifOperationRow;
+
 /// How one answer travels.
 struct OnvifManners
 {
@@ -115,6 +117,10 @@ private:
     Request ReadRequest(int connection) const;
     OnvifAnswer Answer(const Request& request, const OnvifSoapRequest& soap);
     OnvifAnswer AnswerByTable(const Request& request, const OnvifSoapRequest& soap);
+    const OnvifOperationRow* FindRow(const Request& request) const;
+    bool HasBasic(const Request& request) const;
+    bool IsPicture(const Request& request) const;
+    std::string PictureAnswer(const Request& request) const;
     bool MayPass(const Request& request, const OnvifSoapRequest& soap);
     bool DigestIsRight(const OnvifSoapRequest& soap);
     void Deliver(int connection, const OnvifAnswer& answer, const OnvifManners& manners, bool refused);
