@@ -90,7 +90,8 @@ int CCamera::Run(int readyFd)
     {
         return 1;
     }
-    NET_SERVER_SetPolicy(m_options.compat ? 0 : NET_POLICY_STANDARD_RTSP);
+    NET_SERVER_SetPolicy((m_options.compat ? 0 : NET_POLICY_STANDARD_RTSP) |
+                         (m_options.announce ? 0 : NET_POLICY_NO_ANNOUNCE));
     if (NET_SERVER_Initial(m_options.channels, 0, 0, &m_device, &m_streams, RTSP_PORT_MARK, m_rtspPortText.c_str(),
                            FLAG_XML_API, NETNS::DEV_TYPE_DEFAULT) != 1)
     {

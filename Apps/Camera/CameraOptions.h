@@ -37,6 +37,7 @@ struct CameraOptions
     bool rtspAuth = true;
     unsigned int channels = 1;
     bool compat = false;
+    bool announce = false; ///< over UPnP
 };
 
 /// RTSP logins fail for everybody once a device reports eight users.

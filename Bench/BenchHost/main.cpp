@@ -31,12 +31,13 @@ constexpr unsigned int AUDIO_CHUNK_MS = 40;
 constexpr std::size_t AUDIO_CHUNK_BYTES = 320; // 40 ms at 8000 Hz
 
 const char USAGE[] = "usage: netserver-bench-host --file FILE [--fps N] --http-port N --rtsp-port N\n"
-                     "                            [--audio] [--no-rtsp-auth] [--compat] [--stamp]\n"
+                     "                            [--audio] [--no-rtsp-auth] [--compat] [--stamp] [--announce]\n"
                      "  --file FILE      H.264 in Annex B form, one slice a picture; served as /live/ch1/main\n"
                      "  --fps N          its frame rate (25)\n"
                      "  --audio          a G.711 A-law track of silence\n"
                      "  --no-rtsp-auth   RTSP without a login (otherwise admin:admin)\n"
                      "  --compat         without the policy of standard RTSP\n"
+                     "  --announce       announce the host over UPnP\n"
                      "  --stamp          write the time into each frame, for the latency benchmark\n";
 
 struct Options
@@ -48,6 +49,7 @@ struct Options
     bool audio = false;
     bool auth = true;
     bool compat = false;
+    bool announce = false;
     bool stamp = false;
 };
 
@@ -178,15 +180,11 @@ private:
 Options ReadOptions(int argc, char** argv)
 {
     static const option OPTIONS[] = {
-        {"file", required_argument, nullptr, 'f'},
-        {"fps", required_argument, nullptr, 'r'},
-        {"http-port", required_argument, nullptr, 'h'},
-        {"rtsp-port", required_argument, nullptr, 'p'},
-        {"audio", no_argument, nullptr, 'a'},
-        {"no-rtsp-auth", no_argument, nullptr, 'n'},
-        {"compat", no_argument, nullptr, 'c'},
-        {"stamp", no_argument, nullptr, 's'},
-        {nullptr, 0, nullptr, 0},
+        {"file", required_argument, nullptr, 'f'},      {"fps", required_argument, nullptr, 'r'},
+        {"http-port", required_argument, nullptr, 'h'}, {"rtsp-port", required_argument, nullptr, 'p'},
+        {"audio", no_argument, nullptr, 'a'},           {"no-rtsp-auth", no_argument, nullptr, 'n'},
+        {"compat", no_argument, nullptr, 'c'},          {"announce", no_argument, nullptr, 'A'},
+        {"stamp", no_argument, nullptr, 's'},           {nullptr, 0, nullptr, 0},
     };
     Options options;
     int letter = 0;
@@ -214,6 +212,9 @@ Options ReadOptions(int argc, char** argv)
             break;
         case 'c':
             options.compat = true;
+            break;
+        case 'A':
+            options.announce = true;
             break;
         case 's':
             options.stamp = true;
@@ -273,7 +274,8 @@ int main(int argc, char** argv)
     CDefaultStreams streams;
     const WebRoot webRoot;
     const std::string configFile = std::string(webRoot.Path()) + "/config.xml";
-    NET_SERVER_SetPolicy(options.compat ? 0 : NET_POLICY_STANDARD_RTSP);
+    NET_SERVER_SetPolicy((options.compat ? 0 : NET_POLICY_STANDARD_RTSP) |
+                         (options.announce ? 0 : NET_POLICY_NO_ANNOUNCE));
     NET_SERVER_Initial(1, 0, 0, &device, &streams, "", "", 1, NETNS::DEV_TYPE_DEFAULT);
     NET_SERVER_Start(httpPort, webRoot.Path(), configFile.c_str());
     NET_SERVER_RTSPStart(rtspPort, &streams, &device);

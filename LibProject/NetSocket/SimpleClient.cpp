@@ -14,12 +14,36 @@ bool IsTransient(int error)
     return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
 }
 
-/// Whether the mark is in the text; `fresh` bytes at its end have not been searched yet.
+/// Whether the tag that ends with the text at `tail` is a closing one: "</s:Envelope>".
+bool ClosesElement(const char* text, const char* tail)
+{
+    while (tail > text && tail[-1] != '<' && tail[-1] != '>')
+    {
+        --tail;
+    }
+    return tail > text && tail[-1] == '<' && *tail == '/';
+}
+
+/// Whether the mark is in the text; `fresh` bytes at its end have not been searched yet. A mark such as ":Envelope>"
+/// is the tail of a tag, which an opening tag without attributes has too, so it counts in a closing one only.
 bool HasMark(const char* text, std::size_t length, std::size_t fresh, const std::string& mark)
 {
-    const std::size_t overlap = mark.empty() ? 0 : mark.size() - 1;
-    const char* from = text + (length - std::min(length, fresh + overlap));
-    return !mark.empty() && std::search(from, text + length, mark.begin(), mark.end()) != text + length;
+    if (mark.empty())
+    {
+        return false;
+    }
+    const bool isTagTail = mark.front() == ':' && mark.back() == '>';
+    const char* const end = text + length;
+    const char* found = end - std::min(length, fresh + mark.size() - 1);
+    while ((found = std::search(found, end, mark.begin(), mark.end())) != end)
+    {
+        if (!isTagTail || ClosesElement(text, found))
+        {
+            return true;
+        }
+        ++found;
+    }
+    return false;
 }
 
 } // namespace

@@ -63,6 +63,22 @@ TEST_F(NetSocketSimpleClient, EndsWithTheMark)
     EXPECT_EQ("<s:Envelope v=\"1\">body</s:Envelope>", Text());
 }
 
+// An opening tag without attributes ends as the closing one does.
+TEST_F(NetSocketSimpleClient, TakesTheMarkInAClosingTagOnly)
+{
+    const std::string answer = "<Envelope><s:Envelope>/s:Envelope><a:Envelope>body</soap:Envelope>";
+    Serve(
+        [&](TcpPeer& peer)
+        {
+            peer.Read(7);
+            peer.Send(answer.substr(0, 21));
+            peer.Send(answer.substr(21));
+            m_mayClose.Await();
+        });
+    EXPECT_EQ(static_cast<int>(answer.size()), Exchange(":Envelope>", 128));
+    EXPECT_EQ(answer, Text());
+}
+
 TEST_F(NetSocketSimpleClient, MarkIsFoundAcrossReads)
 {
     Serve(

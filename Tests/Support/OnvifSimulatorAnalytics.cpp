@@ -1,0 +1,7 @@
+// The simulated camera: analytics, relays and digital inputs.
+#include "OnvifSimulatorTables.h"
+
+OnvifFamily OnvifAnalyticsFamily()
+{
+    return {};
+}

@@ -1,0 +1,7 @@
+// The simulated camera: imaging.
+#include "OnvifSimulatorTables.h"
+
+OnvifFamily OnvifImagingFamily()
+{
+    return {};
+}

@@ -1,0 +1,7 @@
+// The simulated camera: media.
+#include "OnvifSimulatorTables.h"
+
+OnvifFamily OnvifMediaFamily()
+{
+    return {};
+}
