@@ -2,6 +2,7 @@
 
 #include "Camera.h"
 #include "CameraOptions.h"
+#include "PictureElement.h"
 
 #include <gst/gst.h>
 
@@ -54,6 +55,7 @@ int main(int argc, char** argv)
     const sigset_t stopSignals = TakeSignals();
     const int readyFd = SetStandardOutputApart();
     gst_init(nullptr, nullptr);
+    RegisterPictureElement();
     CCamera camera(options, stopSignals);
     return camera.Run(readyFd);
 }

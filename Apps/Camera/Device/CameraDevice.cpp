@@ -1,10 +1,11 @@
+// The device itself: identity, users, time, restart.
 #include "CameraDevice.h"
+
+#include "RecordTime.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <ctime>
-#include <utility>
 
 #include <ifaddrs.h>
 #include <net/if.h>
@@ -49,31 +50,64 @@ void FillMac(std::uint8_t (&mac)[6])
     freeifaddrs(all);
 }
 
-/// The machine's time zone as the API has it: "GMT+01:00".
-void FillTimeZone(char (&field)[128])
-{
-    const std::time_t now = std::time(nullptr);
-    std::tm local = {};
-    localtime_r(&now, &local);
-    const long minutes = local.tm_gmtoff / 60;
-    const long absolute = minutes < 0 ? -minutes : minutes;
-    std::snprintf(field, sizeof(field), "GMT%c%02ld:%02ld", minutes < 0 ? '-' : '+', absolute / 60, absolute % 60);
-}
-
 } // namespace
 
-CCameraDevice::CCameraDevice(const CameraOptions& options, CCameraUsers& users, std::function<void()> requestKeyFrame,
-                             std::function<void()> reboot)
-    : m_channels(options.channels), m_rtspAuth(options.rtspAuth), m_users(users),
-      m_requestKeyFrame(std::move(requestKeyFrame)), m_reboot(std::move(reboot))
+CCameraDevice::CCameraDevice(const CameraOptions& options, const Parts& parts, const DeviceSettings& settings)
+    : m_options(options), m_parts(parts), m_settings(settings), m_tour(parts.head, SteadyClockUs)
 {
-    FillTimeZone(m_timeConfig.timeZone);
+}
+
+DeviceSettings CCameraDevice::Settings() const
+{
+    const std::lock_guard<std::mutex> guard(m_lock);
+    return m_settings;
+}
+
+DEV_RET CCameraDevice::CheckUser(const char* verify) const
+{
+    return m_parts.users.IsKnown(verify) ? DEV_RET_OK : DEV_RET_NO_RIGHT;
+}
+
+DEV_RET CCameraDevice::Check(const char* verify, unsigned int chn) const
+{
+    if (!m_parts.users.IsKnown(verify))
+    {
+        return DEV_RET_NO_RIGHT;
+    }
+    return chn >= 1 && chn <= m_options.channels ? DEV_RET_OK : DEV_RET_BAD_PARAM;
+}
+
+DEV_RET CCameraDevice::Apply(DEV_RET checked, SettingsTopic topic, const Change& change)
+{
+    if (checked != DEV_RET_OK)
+    {
+        return checked;
+    }
+    const std::lock_guard<std::mutex> guard(m_lock);
+    DeviceSettings changed = m_settings;
+    const DEV_RET result = change(changed);
+    if (result != DEV_RET_OK)
+    {
+        return result;
+    }
+    if (!m_parts.store.Save(topic, changed))
+    {
+        std::fprintf(stderr, "netserver-camera: a setting could not be stored and stays as it was\n");
+        return DEV_RET_FAILED;
+    }
+    m_settings = changed;
+    if (topic == SettingsTopic::Users)
+    {
+        m_parts.users.Replace(m_settings.users);
+    }
+    m_parts.effects.SettingsChanged(topic, m_settings);
+    return DEV_RET_OK;
 }
 
 DEV_RET CCameraDevice::GetUserList(DEV_USER_INFO* list, int max, int& count)
 {
     count = 0;
-    for (const CameraUser& user : m_users.List())
+    for (const CameraUser& user : m_parts.users.List())
     {
         if (count < max)
         {
@@ -89,9 +123,10 @@ DEV_RET CCameraDevice::GetUserList(DEV_USER_INFO* list, int max, int& count)
 
 DEV_RET CCameraDevice::GetDevInfo(const char* verify, DEV_DEVICE_INFO* info)
 {
-    if (!m_users.IsKnown(verify))
+    const DEV_RET checked = CheckUser(verify);
+    if (checked != DEV_RET_OK)
     {
-        return DEV_RET_NO_RIGHT;
+        return checked;
     }
     utsname machine = {};
     uname(&machine);
@@ -103,92 +138,81 @@ DEV_RET CCameraDevice::GetDevInfo(const char* verify, DEV_DEVICE_INFO* info)
     CopyText(info->kernelVersion, machine.release);
     CopyText(info->hardwareVersion, machine.machine);
     FillMac(info->mac);
-    info->audioInCount = static_cast<std::uint16_t>(m_channels);
+    info->audioInCount = static_cast<std::uint16_t>(m_options.channels);
+    info->audioOutCount = 1;
+    info->alarmInCount = SENSOR_COUNT;
+    info->alarmOutCount = ALARM_OUT_COUNT;
     return DEV_RET_OK;
 }
 
 DEV_RET CCameraDevice::GetTimeConfig(const char* verify, DEV_TIME_CONFIG* config)
 {
-    if (!m_users.IsKnown(verify))
-    {
-        return DEV_RET_NO_RIGHT;
-    }
-    const std::lock_guard<std::mutex> guard(m_lock);
-    *config = m_timeConfig;
-    return DEV_RET_OK;
+    return Read(CheckUser(verify), config, &DeviceSettings::time);
 }
 
 DEV_RET CCameraDevice::SetTimeConfig(const char* verify, const DEV_TIME_CONFIG* config)
 {
-    if (!m_users.IsKnown(verify))
-    {
-        return DEV_RET_NO_RIGHT;
-    }
-    const std::lock_guard<std::mutex> guard(m_lock);
-    m_timeConfig = *config;
-    return DEV_RET_OK;
+    return Apply(CheckUser(verify), SettingsTopic::Time,
+                 [config](DeviceSettings& settings)
+                 {
+                     settings.time = *config;
+                     return DEV_RET_OK;
+                 });
 }
 
 DEV_RET CCameraDevice::SetDateTime(const char* verify, const DEV_DATETIME* /*time*/)
 {
-    return m_users.IsKnown(verify) ? DEV_RET_NOT_SUPPORT : DEV_RET_NO_RIGHT;
-}
-
-DEV_RET CCameraDevice::RequestKeyFrame(const char* verify, unsigned int chn)
-{
-    if (!m_users.IsKnown(verify))
-    {
-        return DEV_RET_NO_RIGHT;
-    }
-    if (chn < 1 || chn > m_channels)
-    {
-        return DEV_RET_BAD_PARAM;
-    }
-    m_requestKeyFrame();
-    return DEV_RET_OK;
+    const DEV_RET checked = CheckUser(verify);
+    return checked == DEV_RET_OK ? DEV_RET_NOT_SUPPORT : checked;
 }
 
 bool CCameraDevice::NeedAuthorization()
 {
-    return m_rtspAuth;
+    return m_options.rtspAuth;
 }
 
 DEV_RET CCameraDevice::ModifyPassword(const char* verify, const char* newPassword)
 {
-    if (!m_users.IsKnown(verify))
+    DEV_RET checked = CheckUser(verify);
+    if (checked == DEV_RET_OK && (newPassword == nullptr || !PasswordProblem(newPassword).empty()))
     {
-        return DEV_RET_NO_RIGHT;
+        checked = DEV_RET_BAD_PARAM;
     }
-    if (newPassword == nullptr || !PasswordProblem(newPassword).empty())
+    const auto change = [this, verify, newPassword](DeviceSettings& settings)
     {
-        return DEV_RET_BAD_PARAM;
-    }
-    return m_users.ChangePassword(verify, newPassword) ? DEV_RET_OK : DEV_RET_NO_RIGHT;
+        const std::string name = m_parts.users.NameOf(verify);
+        const auto found = std::find_if(settings.users.begin(), settings.users.end(),
+                                        [&name](const CameraUser& user) { return user.name == name; });
+        if (found == settings.users.end())
+        {
+            return DEV_RET_NO_RIGHT; // the same user has changed it in this moment
+        }
+        found->password = newPassword;
+        return DEV_RET_OK;
+    };
+    return Apply(checked, SettingsTopic::Users, change);
 }
 
 DEV_RET CCameraDevice::Reboot(const char* verify)
 {
-    if (!m_users.IsKnown(verify))
+    const DEV_RET checked = CheckUser(verify);
+    if (checked == DEV_RET_OK)
     {
-        return DEV_RET_NO_RIGHT;
+        m_parts.effects.Reboot();
     }
-    m_reboot();
-    return DEV_RET_OK;
+    return checked;
 }
 
 DEV_RET CCameraDevice::GetChannelIdList(const char* verify, unsigned int* ids, int max, int& count)
 {
     count = 0;
-    if (!m_users.IsKnown(verify))
-    {
-        return DEV_RET_NO_RIGHT;
-    }
-    while (count < max && static_cast<unsigned int>(count) < m_channels)
+    const DEV_RET checked = CheckUser(verify);
+    while (checked == DEV_RET_OK && count < max && static_cast<unsigned int>(count) < m_options.channels)
     {
         ids[count] = static_cast<unsigned int>(count) + 1;
         ++count;
     }
-    return DEV_RET_OK;
+    return checked;
 }
 
 int CCameraDevice::GetMaxLen(int kind)

@@ -1,10 +1,12 @@
-// CameraStreams.h: which live streams are in use.
+// CameraStreams.h: the streams that RTSP clients open: live ones, recordings, talk.
 //
 // The library calls on its RTSP scheduler thread; the camera asks from its main thread.
 #pragma once
 
 #include "CameraUsers.h"
 #include "DefaultHost.h"
+#include "Playback.h"
+#include "TalkSink.h"
 
 #include <cstdint>
 #include <functional>
@@ -28,13 +30,25 @@ std::string LivePath(unsigned int channel, int stream);
 class CCameraStreams : public CDefaultStreams
 {
 public:
-    /// @param onOpen  called for each open, on the library's thread: must be quick
+    /// What the streams work with; borrowed for their life.
+    struct Parts
+    {
+        const CCameraUsers& users;
+        CPlaybacks& playbacks;
+        CTalkSink& talk;
+    };
+
     /// @param login   whether RTSP clients must log in
-    CCameraStreams(unsigned int channels, const CCameraUsers& users, bool login,
-                   std::function<void(int stream)> onOpen);
+    /// @param onOpen  called for each live open, on the library's thread: must be quick
+    CCameraStreams(unsigned int channels, const Parts& parts, bool login, std::function<void(int stream)> onOpen);
 
     unsigned int OpenLiveStream(const char* userInfoXml, unsigned int chn, int stream, unsigned int& out) override;
     void CloseLiveStream(unsigned int handle) override;
+    unsigned int OpenRecStream(const char* userInfoXml, unsigned int chn, const NETNS::DEV_DATE& date,
+                               const NETNS::DEV_TIME& time, unsigned int timeLen, unsigned int& out) override;
+    void ClosePlayStream(unsigned int handle) override;
+    unsigned int OpenTalkBackStream(const char* userInfoXml) override;
+    void CloseTalkBackStream(unsigned int handle) override;
     int TalkBackStreamInput(unsigned char* data, int len, int encodeType) override;
 
     /// Whether the stream is in use on any channel.
@@ -42,11 +56,16 @@ public:
     void ForgetAll();
 
 private:
+    bool MayOpen(const char* userInfoXml) const;
+
     const unsigned int m_channels;
-    const CCameraUsers& m_users;
+    const Parts m_parts;
     const bool m_login;
     const std::function<void(int stream)> m_onOpen;
 
     mutable std::mutex m_lock;
     std::vector<std::uint64_t> m_uses; // by channel, then by stream
+
+    unsigned int m_talkers = 0; // scheduler thread, as what follows
+    std::vector<std::int16_t> m_speech;
 };

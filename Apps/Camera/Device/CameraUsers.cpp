@@ -1,5 +1,6 @@
 #include "CameraUsers.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -75,16 +76,24 @@ bool CCameraUsers::IsKnown(const char* verify) const
     return Find(verify) < m_users.size();
 }
 
-bool CCameraUsers::ChangePassword(const char* verify, const std::string& password)
+std::string CCameraUsers::NameOf(const char* verify) const
 {
     const std::lock_guard<std::mutex> guard(m_lock);
     const std::size_t index = Find(verify);
-    if (index == m_users.size())
-    {
-        return false;
-    }
-    m_users[index].password = password;
-    return true;
+    return index < m_users.size() ? m_users[index].name : std::string();
+}
+
+bool CCameraUsers::IsKnown(const std::string& name, const std::string& password) const
+{
+    const std::lock_guard<std::mutex> guard(m_lock);
+    return std::any_of(m_users.begin(), m_users.end(),
+                       [&](const CameraUser& user) { return user.name == name && user.password == password; });
+}
+
+void CCameraUsers::Replace(std::vector<CameraUser> users)
+{
+    const std::lock_guard<std::mutex> guard(m_lock);
+    m_users = std::move(users);
 }
 
 std::size_t CCameraUsers::Find(const char* verify) const

@@ -23,8 +23,14 @@ public:
     /// that without knowing the password.
     bool IsKnown(const char* verify) const;
 
-    /// Gives the user named in `verify` a new password. @return false when `verify` names no user
-    bool ChangePassword(const char* verify, const std::string& password);
+    /// The name of the user in `verify`; empty when it names none of them with the right password.
+    std::string NameOf(const char* verify) const;
+
+    /// Whether there is such a user with this password.
+    bool IsKnown(const std::string& name, const std::string& password) const;
+
+    /// Takes effect with the next question.
+    void Replace(std::vector<CameraUser> users);
 
 private:
     std::size_t Find(const char* verify) const; // index of the user; m_users.size() for none; m_lock is held

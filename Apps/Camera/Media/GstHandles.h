@@ -18,6 +18,10 @@ struct GstSampleRelease
 {
     void operator()(GstSample* sample) const { gst_sample_unref(sample); }
 };
+struct GstCapsRelease
+{
+    void operator()(GstCaps* caps) const { gst_caps_unref(caps); }
+};
 struct GErrorRelease
 {
     void operator()(GError* error) const { g_error_free(error); }
@@ -32,5 +36,6 @@ using GstBusPtr = std::unique_ptr<GstBus, GstObjectRelease>;
 using GstPadPtr = std::unique_ptr<GstPad, GstObjectRelease>;
 using GstMessagePtr = std::unique_ptr<GstMessage, GstMessageRelease>;
 using GstSamplePtr = std::unique_ptr<GstSample, GstSampleRelease>;
+using GstCapsPtr = std::unique_ptr<GstCaps, GstCapsRelease>;
 using GErrorPtr = std::unique_ptr<GError, GErrorRelease>;
 using GCharsPtr = std::unique_ptr<gchar, GFree>;

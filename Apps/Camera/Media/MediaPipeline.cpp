@@ -1,64 +1,60 @@
 #include "MediaPipeline.h"
 
+#include "PictureElement.h"
 #include "PipelineText.h"
-
-#include <gst/video/video.h>
+#include "SampleBytes.h"
 
 #include <cstdio>
+#include <cstring>
+#include <utility>
 
 namespace
 {
 
-/// The time at which the sample was taken, on the monotonic clock.
-std::uint64_t CaptureUs(GstElement* pipeline, GstSample* sample)
+constexpr double MIDDLE = 50; // of the image levels, from 0 to 100
+
+/// The time at which the sample was taken, in nanoseconds of the monotonic clock.
+GstClockTime CaptureTime(GstElement* pipeline, GstSample* sample)
 {
     const GstClockTime pts = GST_BUFFER_PTS(gst_sample_get_buffer(sample));
     const GstClockTime running = gst_segment_to_running_time(gst_sample_get_segment(sample), GST_FORMAT_TIME, pts);
-    if (!GST_CLOCK_TIME_IS_VALID(running))
-    {
-        return 0;
-    }
-    return (gst_element_get_base_time(pipeline) + running) / GST_USECOND;
+    return GST_CLOCK_TIME_IS_VALID(running) ? gst_element_get_base_time(pipeline) + running : 0;
 }
 
-/// The bytes of a sample for as long as it lives.
-class CSampleBytes
+/// videoflip's methods: identity, rotate-180, horizontal-flip, vertical-flip.
+int TurnMethod(const NETNS::DEV_IMAGE_PARAM& image)
 {
-public:
-    explicit CSampleBytes(GstSample* sample)
-        : m_buffer(gst_sample_get_buffer(sample)), m_mapped(gst_buffer_map(m_buffer, &m_map, GST_MAP_READ) != FALSE)
+    constexpr int IDENTITY = 0;
+    constexpr int ROTATE_180 = 2;
+    constexpr int HORIZONTAL = 4;
+    constexpr int VERTICAL = 5;
+    if (image.mirrorSwitch != 0)
     {
+        return image.flipSwitch != 0 ? ROTATE_180 : HORIZONTAL;
     }
-    ~CSampleBytes()
-    {
-        if (m_mapped)
-        {
-            gst_buffer_unmap(m_buffer, &m_map);
-        }
-    }
-    CSampleBytes(const CSampleBytes&) = delete;
-    CSampleBytes& operator=(const CSampleBytes&) = delete;
+    return image.flipSwitch != 0 ? VERTICAL : IDENTITY;
+}
 
-    const unsigned char* Data() const { return m_mapped ? m_map.data : nullptr; }
-    std::size_t Length() const { return m_mapped ? m_map.size : 0; }
-
-private:
-    GstBuffer* m_buffer;
-    GstMapInfo m_map = GST_MAP_INFO_INIT;
-    const bool m_mapped;
-};
-
-const char* Refusal(AnnexBResult result)
+const char* TimeFormat(std::uint32_t dateFormat)
 {
-    return result == AnnexBResult::SeveralSlices ? "a frame of several slices" : "a key frame without parameter sets";
+    switch (dateFormat)
+    {
+    case 2:
+        return "%m-%d-%Y %H:%M:%S";
+    case 3:
+        return "%d-%m-%Y %H:%M:%S";
+    default:
+        return "%Y-%m-%d %H:%M:%S";
+    }
 }
 
 } // namespace
 
-CMediaPipeline::CMediaPipeline(const CameraOptions& options, CFrameSink& sink)
-    : m_options(options), m_sink(sink),
+CMediaPipeline::CMediaPipeline(const CameraOptions& options, Parts parts)
+    : m_options(options), m_parts(std::move(parts)),
+      m_pictureCaps(gst_caps_from_string(PictureCapsText(options).c_str())),
       m_chunker([this](std::uint64_t presentationUs, const std::vector<unsigned char>& chunk)
-                { m_sink.PutAudio(chunk, presentationUs); })
+                { m_parts.sink.PutAudio(chunk, presentationUs); })
 {
 }
 
@@ -71,7 +67,7 @@ CMediaPipeline::~CMediaPipeline()
     m_file.reset(); // behind the stop: its pushes return now
 }
 
-bool CMediaPipeline::Start(std::string& problem)
+bool CMediaPipeline::Start(const DeviceSettings& settings, std::string& problem)
 {
     MediaFileInfo file;
     if (m_options.source == SourceKind::File)
@@ -83,9 +79,14 @@ bool CMediaPipeline::Start(std::string& problem)
             return false;
         }
     }
-    if (!Build(file.hasSound, problem))
+    if (!Build(file.hasSound, problem) || !BuildEncoders(settings, problem))
     {
         return false;
+    }
+    for (const SettingsTopic topic :
+         {SettingsTopic::Image, SettingsTopic::Osd, SettingsTopic::Masks, SettingsTopic::Motion})
+    {
+        Apply(topic, settings);
     }
     if (gst_element_set_state(m_pipeline.get(), GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE)
     {
@@ -113,11 +114,25 @@ bool CMediaPipeline::Build(bool fileHasSound, std::string& problem)
     const std::unique_ptr<GstClock, GstObjectRelease> clock(gst_system_clock_obtain());
     gst_pipeline_use_clock(GST_PIPELINE(m_pipeline.get()), clock.get());
     m_bus.reset(gst_element_get_bus(m_pipeline.get()));
-    ConnectStream(MAIN_STREAM);
-    ConnectStream(SUB_STREAM);
-    ConnectSound();
+    ConnectWork();
     ConnectSource();
     return true;
+}
+
+bool CMediaPipeline::BuildEncoders(const DeviceSettings& settings, std::string& problem)
+{
+    for (const int stream : {MAIN_STREAM, SUB_STREAM})
+    {
+        m_profiles[stream] = settings.profiles[stream];
+        m_encoders[stream] =
+            CStreamEncoder::Make(stream, settings.profiles[stream], m_pictureCaps.get(), m_parts.sink, problem);
+        if (m_encoders[stream] == nullptr)
+        {
+            return false;
+        }
+    }
+    m_snapshots = CSnapshotEncoder::Make(m_pictureCaps.get(), m_parts.sink, problem);
+    return m_snapshots != nullptr;
 }
 
 GstElementPtr CMediaPipeline::Child(const std::string& name) const
@@ -125,25 +140,16 @@ GstElementPtr CMediaPipeline::Child(const std::string& name) const
     return GstElementPtr(gst_bin_get_by_name(GST_BIN(m_pipeline.get()), name.c_str()));
 }
 
-void CMediaPipeline::ConnectStream(int index)
+void CMediaPipeline::ConnectWork()
 {
-    Stream& stream = m_streams[index];
-    stream.pipeline = this;
-    stream.index = index;
-    stream.gate = Child("gate" + std::to_string(index));
-    stream.encoder = Child("encoder" + std::to_string(index));
-    const GstElementPtr source = Child("video" + std::to_string(index));
+    SetPictureHandler(Child("prepare").get(), [this](const Picture& picture) { m_parts.work.Prepare(picture); });
+    SetPictureHandler(Child("motion").get(),
+                      [this](const Picture& picture) { m_parts.onPicture(m_parts.work.LookForMotion(picture)); });
     GstAppSinkCallbacks callbacks = {};
-    callbacks.new_sample = &CMediaPipeline::OnVideo;
-    gst_app_sink_set_callbacks(GST_APP_SINK(source.get()), &callbacks, &stream, nullptr);
-}
-
-void CMediaPipeline::ConnectSound()
-{
-    const GstElementPtr source = Child("sound");
-    GstAppSinkCallbacks callbacks = {};
+    callbacks.new_sample = &CMediaPipeline::OnPicture;
+    gst_app_sink_set_callbacks(GST_APP_SINK(Child("pictures").get()), &callbacks, this, nullptr);
     callbacks.new_sample = &CMediaPipeline::OnSound;
-    gst_app_sink_set_callbacks(GST_APP_SINK(source.get()), &callbacks, this, nullptr);
+    gst_app_sink_set_callbacks(GST_APP_SINK(Child("sound").get()), &callbacks, this, nullptr);
 }
 
 void CMediaPipeline::ConnectSource()
@@ -231,57 +237,130 @@ bool CMediaPipeline::IsRunning(std::string& problem)
     return false;
 }
 
-void CMediaPipeline::SetWanted(int stream, bool wanted)
+void CMediaPipeline::Apply(SettingsTopic topic, const DeviceSettings& settings)
 {
-    Stream& one = m_streams[stream];
-    if (one.wanted.exchange(wanted) == wanted)
+    switch (topic)
     {
+    case SettingsTopic::Image:
+        ApplyImage(settings.image);
+        break;
+    case SettingsTopic::Osd:
+        ApplyOsd(settings);
+        break;
+    case SettingsTopic::Masks:
+        m_parts.work.SetMasks(settings.masks);
+        break;
+    case SettingsTopic::Motion:
+        m_parts.work.SetMotion(settings.motion);
+        break;
+    case SettingsTopic::Streams:
+        ApplyProfile(MAIN_STREAM, settings.profiles[MAIN_STREAM]);
+        ApplyProfile(SUB_STREAM, settings.profiles[SUB_STREAM]);
+        break;
+    default:
+        break; // nothing that is seen in the pictures
+    }
+}
+
+void CMediaPipeline::ApplyImage(const NETNS::DEV_IMAGE_PARAM& image)
+{
+    m_parts.work.SetImage(image);
+    const GstElementPtr turn = Child("turn");
+    g_object_set(turn.get(), "method", TurnMethod(image), nullptr);
+    // Half of the way that the element could go in brightness: the rest is all white or all black.
+    const GstElementPtr balance = Child("balance");
+    g_object_set(balance.get(), "brightness", (image.bright - MIDDLE) / MIDDLE / 2, "contrast", image.contrast / MIDDLE,
+                 "hue", (image.hue - MIDDLE) / MIDDLE, "saturation", image.saturation / MIDDLE, nullptr);
+}
+
+void CMediaPipeline::ApplyOsd(const DeviceSettings& settings)
+{
+    const GstElementPtr time = Child("osd_time");
+    g_object_set(time.get(), "silent", settings.timeOsd.osdSwitch == 0, "deltax", static_cast<int>(settings.timeOsd.x),
+                 "deltay", static_cast<int>(settings.timeOsd.y), "time-format", TimeFormat(settings.timeOsd.dateFormat),
+                 nullptr);
+    const NETNS::DEV_CHANNEL_NAME_OSD& name = settings.nameOsd;
+    const GCharsPtr valid(g_utf8_make_valid(name.name, static_cast<gssize>(strnlen(name.name, sizeof(name.name)))));
+    const GCharsPtr text(g_markup_escape_text(valid.get(), -1));
+    const GstElementPtr nameElement = Child("osd_name");
+    g_object_set(nameElement.get(), "silent", name.osdSwitch == 0 || name.name[0] == '\0', "deltax",
+                 static_cast<int>(name.x), "deltay", static_cast<int>(name.y), "text", text.get(), nullptr);
+}
+
+/// The old encoder has ended before the new one begins: the stream's frames stay in order.
+void CMediaPipeline::ApplyProfile(int stream, const NETNS::DEV_VIDEO_PROFILE& profile)
+{
+    std::unique_ptr<CStreamEncoder> encoder;
+    {
+        const std::lock_guard<std::mutex> guard(m_encoderLock);
+        if (std::memcmp(&m_profiles[stream], &profile, sizeof(profile)) == 0)
+        {
+            return;
+        }
+        m_profiles[stream] = profile;
+        encoder = std::move(m_encoders[stream]);
+    }
+    const bool wanted = encoder == nullptr || encoder->IsWanted();
+    encoder.reset();
+    std::string problem;
+    encoder = CStreamEncoder::Make(stream, profile, m_pictureCaps.get(), m_parts.sink, problem);
+    if (encoder == nullptr)
+    {
+        std::fprintf(stderr, "netserver-camera: stream %d: %s\n", stream, problem.c_str());
         return;
     }
-    g_object_set(one.gate.get(), "drop", wanted ? FALSE : TRUE, nullptr);
-    if (wanted)
+    encoder->SetWanted(wanted);
+    const std::lock_guard<std::mutex> guard(m_encoderLock);
+    m_encoders[stream] = std::move(encoder);
+}
+
+void CMediaPipeline::SetWanted(int stream, bool wanted)
+{
+    const std::lock_guard<std::mutex> guard(m_encoderLock);
+    if (m_encoders[stream] != nullptr)
     {
-        RequestKeyFrame(stream);
+        m_encoders[stream]->SetWanted(wanted);
     }
 }
 
 void CMediaPipeline::RequestKeyFrame(int stream)
 {
-    Stream& one = m_streams[stream];
-    if (one.keyFrames.Ask())
+    const std::lock_guard<std::mutex> guard(m_encoderLock);
+    if (m_encoders[stream] != nullptr)
     {
-        gst_element_send_event(one.encoder.get(),
-                               gst_video_event_new_upstream_force_key_unit(GST_CLOCK_TIME_NONE, TRUE, 0));
+        m_encoders[stream]->RequestKeyFrame();
     }
 }
 
-GstFlowReturn CMediaPipeline::OnVideo(GstAppSink* source, gpointer stream)
+GstFlowReturn CMediaPipeline::OnPicture(GstAppSink* source, gpointer self)
 {
-    Stream* const one = static_cast<Stream*>(stream);
     const GstSamplePtr sample(gst_app_sink_pull_sample(source));
     if (sample == nullptr)
     {
         return GST_FLOW_EOS;
     }
-    one->pipeline->DeliverVideo(*one, sample.get());
+    static_cast<CMediaPipeline*>(self)->Distribute(sample.get());
     return GST_FLOW_OK;
 }
 
-void CMediaPipeline::DeliverVideo(Stream& stream, GstSample* sample)
+/// All encoders share the picture's memory; only its time is written anew.
+void CMediaPipeline::Distribute(GstSample* sample)
 {
-    stream.keyFrames.FrameEncoded();
-    const CSampleBytes bytes(sample);
-    const AnnexBResult result = stream.normaliser.Normalise(bytes.Data(), bytes.Length());
-    if (result == AnnexBResult::Frame)
+    GstBuffer* const picture = gst_buffer_copy(gst_sample_get_buffer(sample));
+    GST_BUFFER_PTS(picture) = CaptureTime(m_pipeline.get(), sample);
+    GST_BUFFER_DTS(picture) = GST_CLOCK_TIME_NONE;
     {
-        m_sink.PutVideo(stream.index, stream.normaliser.Frame(), stream.normaliser.IsKeyFrame(),
-                        CaptureUs(m_pipeline.get(), sample));
+        const std::lock_guard<std::mutex> guard(m_encoderLock);
+        for (const std::unique_ptr<CStreamEncoder>& encoder : m_encoders)
+        {
+            if (encoder != nullptr)
+            {
+                encoder->Put(picture);
+            }
+        }
     }
-    else if (result != AnnexBResult::NoPicture && !stream.refusalReported)
-    {
-        stream.refusalReported = true;
-        std::fprintf(stderr, "netserver-camera: stream %d: left out %s\n", stream.index, Refusal(result));
-    }
+    m_snapshots->Put(picture);
+    gst_buffer_unref(picture);
 }
 
 GstFlowReturn CMediaPipeline::OnSound(GstAppSink* source, gpointer self)
@@ -293,6 +372,7 @@ GstFlowReturn CMediaPipeline::OnSound(GstAppSink* source, gpointer self)
         return GST_FLOW_EOS;
     }
     const CSampleBytes bytes(sample.get());
-    pipeline->m_chunker.Push(CaptureUs(pipeline->m_pipeline.get(), sample.get()), bytes.Data(), bytes.Length());
+    pipeline->m_chunker.Push(CaptureTime(pipeline->m_pipeline.get(), sample.get()) / GST_USECOND, bytes.Data(),
+                             bytes.Length());
     return GST_FLOW_OK;
 }

@@ -1,51 +1,48 @@
 #include "PipelineText.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace
 {
 
 constexpr const char* SOUND_CAPS = "audio/x-raw,format=S16LE,rate=8000,channels=1";
 constexpr const char* APPSINK = "appsink sync=false async=false name=";
-constexpr unsigned int MIN_BITRATE = 16; // kbit/s
+// A queue that drops old pictures: a busy machine may catch up, but work that is too slow does not fall behind more and
+// more.
+constexpr const char* QUEUE = " ! queue leaky=downstream max-size-buffers=4 max-size-bytes=0 max-size-time=0";
+constexpr const char* ENCODER_INPUT = "appsrc name=in format=time is-live=true leaky-type=downstream max-bytes=0";
+
+// Below a quality the encoder does not go beyond a quantiser, however many bits are left.
+constexpr int LEAST_QUANTISER[] = {10, 38, 32, 27, 22, 10}; // by quality; the highest is bounded by the bit rate only
+
+const char* Level(std::uint32_t encodeLevel)
+{
+    switch (encodeLevel)
+    {
+    case 1:
+        return "constrained-baseline";
+    case 4:
+        return "high";
+    default:
+        return "main";
+    }
+}
 
 std::string Size(unsigned int width, unsigned int height)
 {
     return "width=" + std::to_string(width) + ",height=" + std::to_string(height);
 }
 
-std::string PictureCaps(const CameraOptions& options)
+// What is done to each picture before it is encoded. Motion is looked for in front of the burnt-in text, which changes
+// every second.
+std::string Work(const CameraOptions& options)
 {
-    return "video/x-raw,format=I420," + Size(options.width, options.height) +
-           ",framerate=" + std::to_string(options.fps) + "/1,pixel-aspect-ratio=1/1";
-}
-
-// One thread and no sliced threads: one slice a frame and no delay. Parameter sets come with each key frame.
-std::string Encoder(const CameraOptions& options, const std::string& index, unsigned int bitrate)
-{
-    return "x264enc name=encoder" + index +
-           " tune=zerolatency speed-preset=veryfast bitrate=" + std::to_string(bitrate) +
-           " key-int-max=" + std::to_string(options.gop) +
-           " bframes=0 threads=1 sliced-threads=false byte-stream=true aud=false option-string=scenecut=0"
-           " ! video/x-h264,profile=main,stream-format=byte-stream,alignment=au ! " +
-           APPSINK + "video" + index;
-}
-
-// A queue that drops old pictures: a busy machine may catch up, but an encoder that is too slow does not fall behind
-// more and more.
-std::string Branch(const std::string& index)
-{
-    return " pictures. ! queue leaky=downstream max-size-buffers=8 max-size-bytes=0 max-size-time=0"
-           " ! valve name=gate" +
-           index + " ! ";
-}
-
-std::string Streams(const CameraOptions& options)
-{
-    const unsigned int subBitrate = std::max(options.bitrate / 4, MIN_BITRATE);
-    return " ! " + PictureCaps(options) + " ! tee name=pictures" + Branch("0") +
-           Encoder(options, "0", options.bitrate) + Branch("1") + "videoscale ! video/x-raw," +
-           Size(options.width / 2, options.height / 2) + " ! " + Encoder(options, "1", subBitrate);
+    const std::string text = " shaded-background=true halignment=left valignment=top xpad=0 ypad=0 line-alignment=left"
+                             " font-desc=\"Sans 12\" auto-resize=false";
+    return " ! " + PictureCapsText(options) + QUEUE + " ! videobalance name=balance ! videoflip name=turn" +
+           " ! camerapicture name=prepare ! camerapicture name=motion ! clockoverlay name=osd_time" + text +
+           " ! textoverlay name=osd_name" + text + " ! " + APPSINK + "pictures";
 }
 
 const char* const FIT = " ! videorate skip-to-first=true ! videoconvert ! videoscale add-borders=true";
@@ -62,10 +59,8 @@ std::string SoundThatMayHaveGaps(const std::string& source)
 
 std::string TestPipeline(const CameraOptions& options)
 {
-    return "videotestsrc is-live=true pattern=smpte horizontal-speed=4 ! " + PictureCaps(options) +
-           " ! clockoverlay time-format=\"%Y-%m-%d %H:%M:%S\" shaded-background=true"
-           " ! timeoverlay halignment=right valignment=bottom shaded-background=true" +
-           Streams(options) + Sound("audiotestsrc is-live=true wave=sine freq=440 volume=0.05 samplesperbuffer=320");
+    return "videotestsrc is-live=true pattern=smpte horizontal-speed=4" + Work(options) +
+           Sound("audiotestsrc is-live=true wave=sine freq=440 volume=0.05 samplesperbuffer=320");
 }
 
 // Pictures wait in small numbers in front of the clock, sound for up to a second.
@@ -73,7 +68,7 @@ std::string FilePipeline(const CameraOptions& options, bool hasSound)
 {
     return std::string("appsrc name=pictures_in format=time is-live=true block=true max-bytes=0 max-buffers=8"
                        " ! clocksync") +
-           FIT + Streams(options) +
+           FIT + Work(options) +
            (hasSound ? SoundThatMayHaveGaps("appsrc name=sound_in format=time is-live=true block=true max-bytes=0"
                                             " max-time=1000000000 ! clocksync")
                      : Sound(SILENCE_TEXT));
@@ -81,18 +76,27 @@ std::string FilePipeline(const CameraOptions& options, bool hasSound)
 
 std::string DevicePipeline(const CameraOptions& options)
 {
-    return std::string("v4l2src name=device ! decodebin") + FIT + Streams(options) + Sound(SILENCE_TEXT);
+    return std::string("v4l2src name=device ! decodebin") + FIT + Work(options) + Sound(SILENCE_TEXT);
 }
 
 std::string RemotePipeline(const CameraOptions& options)
 {
-    return std::string("uridecodebin name=remote queue name=pictures_in") + FIT + Streams(options) +
+    return std::string("uridecodebin name=remote queue name=pictures_in") + FIT + Work(options) +
            SoundThatMayHaveGaps("queue name=sound_in");
 }
 
 } // namespace
 
+const char* const SNAPSHOT_PIPELINE_TEXT =
+    "appsrc name=in format=time is-live=true leaky-type=downstream max-bytes=0 max-buffers=1"
+    " ! jpegenc quality=85 ! appsink name=out sync=false async=false";
 const char* const SILENCE_TEXT = "audiotestsrc is-live=true wave=silence samplesperbuffer=320";
+
+std::string PictureCapsText(const CameraOptions& options)
+{
+    return "video/x-raw,format=I420," + Size(options.width, options.height) +
+           ",framerate=" + std::to_string(options.fps) + "/1,pixel-aspect-ratio=1/1";
+}
 
 std::string LivePipelineText(const CameraOptions& options, bool fileHasSound)
 {
@@ -108,6 +112,20 @@ std::string LivePipelineText(const CameraOptions& options, bool fileHasSound)
         break;
     }
     return TestPipeline(options);
+}
+
+// One thread and no sliced threads: one slice a frame and no delay. Parameter sets come with each key frame.
+std::string EncoderPipelineText(const NETNS::DEV_VIDEO_PROFILE& profile)
+{
+    const int leastQuantiser = LEAST_QUANTISER[std::min<std::size_t>(profile.quality, std::size(LEAST_QUANTISER) - 1)];
+    return std::string(ENCODER_INPUT) + " max-buffers=8 ! videorate drop-only=true ! videoscale add-borders=false" +
+           " ! video/x-raw," + Size(profile.width, profile.height) + ",framerate=" + std::to_string(profile.frameRate) +
+           "/1,pixel-aspect-ratio=1/1" + " ! x264enc name=encoder tune=zerolatency speed-preset=veryfast bitrate=" +
+           std::to_string(profile.maxBitRate) + " key-int-max=" + std::to_string(profile.gop) +
+           " qp-min=" + std::to_string(leastQuantiser) +
+           " bframes=0 threads=1 sliced-threads=false byte-stream=true aud=false option-string=scenecut=0"
+           " ! video/x-h264,profile=" +
+           Level(profile.encodeLevel) + ",stream-format=byte-stream,alignment=au ! " + APPSINK + "out";
 }
 
 std::string FilePipelineText(bool fileHasSound)
