@@ -1,6 +1,7 @@
 // NetServerSDK.cpp: the exported functions; each forwards to one singleton.
 #include "NetServerSDK.h"
 
+#include "AlarmServer.h"
 #include "NetServer.h"
 #include "NetServerDataProc.h"
 #include "NetSocket.h"
@@ -74,18 +75,21 @@ int NET_SERVER_TalkBackStreamIn(const NETNS::RTSP_FRAME& frame, void* data)
     return 0;
 }
 
-int NET_SERVER_SetMotionStatus(unsigned int /*channel*/, bool /*active*/)
+int NET_SERVER_SetMotionStatus(unsigned int channel, bool active)
 {
+    CAlarmServer::Instance().SetMotionStatus(channel, active);
     return 0;
 }
 
-int NET_SERVER_SetSensorStatus(unsigned int /*id*/, bool /*active*/)
+int NET_SERVER_SetSensorStatus(unsigned int id, bool active)
 {
+    CAlarmServer::Instance().SetSensorStatus(id, active);
     return 0;
 }
 
-int NET_SERVER_SetVideoLossStatus(unsigned int /*channel*/, bool /*active*/)
+int NET_SERVER_SetVideoLossStatus(unsigned int channel, bool active)
 {
+    CAlarmServer::Instance().SetVideoLossStatus(channel, active);
     return 0;
 }
 

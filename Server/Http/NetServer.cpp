@@ -2,6 +2,7 @@
 
 #include "HttpDataPacket.h"
 #include "HttpProtocolAnalyse.h"
+#include "NetServerConfig.h"
 #include "NetServerDataProc.h"
 #include "PFHelper.h"
 #include "ShareSDK.h"
@@ -65,13 +66,14 @@ int CNetServer::Initial(unsigned int /*channels*/, CDevInterface* /*dev*/, unsig
     return 1;
 }
 
-int CNetServer::start(unsigned short port, const char* webRoot, const char* /*cfgFile*/)
+int CNetServer::start(unsigned short port, const char* webRoot, const char* cfgFile)
 {
     if (port == 0)
     {
         SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
     }
     Stop();
+    CNetServerCfg::Instance().Initial(cfgFile);
     Listen(port);
     CNetServerDataProc::Instance().Start(webRoot);
     return 0;
