@@ -10,6 +10,7 @@
 #include <iostream>
 
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -53,6 +54,7 @@ int main(int argc, char** argv)
         break;
     }
     const sigset_t stopSignals = TakeSignals();
+    umask(077); // settings, recordings and speech are nobody else's
     const int readyFd = SetStandardOutputApart();
     gst_init(nullptr, nullptr);
     RegisterPictureElement();

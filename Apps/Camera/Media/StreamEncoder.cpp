@@ -10,6 +10,15 @@
 namespace
 {
 
+/// The time that the picture had when it was put in. The encoder gives its time stamps an offset of its own, which its
+/// segment takes back.
+std::uint64_t TimeUs(GstSample* sample)
+{
+    const GstClockTime time = gst_segment_to_running_time(gst_sample_get_segment(sample), GST_FORMAT_TIME,
+                                                          GST_BUFFER_PTS(gst_sample_get_buffer(sample)));
+    return GST_CLOCK_TIME_IS_VALID(time) ? time / GST_USECOND : 0;
+}
+
 const char* Refusal(AnnexBResult result)
 {
     return result == AnnexBResult::SeveralSlices ? "a frame of several slices" : "a key frame without parameter sets";
@@ -95,8 +104,7 @@ void CStreamEncoder::Deliver(GstSample* sample)
     const AnnexBResult result = m_normaliser.Normalise(bytes.Data(), bytes.Length());
     if (result == AnnexBResult::Frame)
     {
-        m_sink.PutVideo(m_stream, m_normaliser.Frame(), m_normaliser.IsKeyFrame(),
-                        GST_BUFFER_PTS(gst_sample_get_buffer(sample)) / GST_USECOND);
+        m_sink.PutVideo(m_stream, m_normaliser.Frame(), m_normaliser.IsKeyFrame(), TimeUs(sample));
     }
     else if (result != AnnexBResult::NoPicture && !m_refusalReported)
     {

@@ -4,8 +4,6 @@
 
 #include <utility>
 
-#include <sys/stat.h>
-
 namespace
 {
 
@@ -85,10 +83,8 @@ bool CDatabase::Open(const std::string& path, const std::vector<const char*>& mi
                      std::string& problem)
 {
     m_path = path;
-    const mode_t before = umask(077); // passwords are in it
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX;
     const int opened = sqlite3_open_v2(path.c_str(), &m_database, flags, nullptr);
-    umask(before);
     if (opened != SQLITE_OK)
     {
         problem = Quoted(path) + " cannot be opened: " + LastProblem();
