@@ -33,10 +33,12 @@
 namespace
 {
 
-const char USAGE[] = "usage: netserver-bench-eventload --mode push|pull [--cameras N] [--seconds N] [--vanished N]\n"
-                     "  --vanished N   so many further cameras have been logged in to and are gone\n";
+const char USAGE[] =
+    "usage: netserver-bench-eventload --mode push|pull [--cameras N] [--seconds N] [--unreachable N]\n"
+    "  --unreachable N   so many further cameras were logged in to, and then answer no packet any more\n";
 
 constexpr unsigned int CAMERAS_MAX = 256;
+constexpr std::uint64_t ROUNDS_KEPT = 64; ///< changes of a camera whose times are known
 constexpr unsigned short NOTIFICATION_PORT = 6699;
 constexpr std::uint64_t SECOND_NS = 1000000000;
 
@@ -45,13 +47,14 @@ struct Options
     std::string mode;
     unsigned int cameras = 64;
     unsigned int seconds = 10;
-    unsigned int vanished = 0;
+    unsigned int unreachable = 0;
 };
 
 /// What both processes see.
 struct Shared
 {
-    std::atomic<std::uint64_t> changedNs[CAMERAS_MAX];
+    std::atomic<std::uint64_t> changedNs[CAMERAS_MAX][ROUNDS_KEPT]; ///< by round; even rounds begin motion
+    std::atomic<std::uint64_t> rounds[CAMERAS_MAX];
     std::atomic<unsigned short> ports[CAMERAS_MAX];
     std::atomic<bool> ready;
     std::atomic<bool> go;
@@ -64,7 +67,7 @@ Options ReadOptions(int argc, char** argv)
         {"mode", required_argument, nullptr, 'm'},
         {"cameras", required_argument, nullptr, 'c'},
         {"seconds", required_argument, nullptr, 's'},
-        {"vanished", required_argument, nullptr, 'v'},
+        {"unreachable", required_argument, nullptr, 'v'},
         {nullptr, 0, nullptr, 0},
     };
     Options options;
@@ -83,18 +86,44 @@ Options ReadOptions(int argc, char** argv)
             options.seconds = NumberOption("seconds", optarg);
             break;
         case 'v':
-            options.vanished = NumberOption("vanished", optarg);
+            options.unreachable = NumberOption("unreachable", optarg);
             break;
         default:
             options.mode.clear();
         }
     }
-    if ((options.mode != "push" && options.mode != "pull") || options.cameras + options.vanished > CAMERAS_MAX)
+    if ((options.mode != "push" && options.mode != "pull") || options.cameras + options.unreachable > CAMERAS_MAX)
     {
         std::fputs(USAGE, stderr);
         std::exit(2);
     }
     return options;
+}
+
+sockaddr_in Loopback(unsigned short port)
+{
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
+
+/// Makes a port look like a machine that is switched off: with its queue full the system drops what asks to connect.
+void MakeUnreachable(unsigned short port)
+{
+    const int on = 1;
+    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
+    const sockaddr_in address = Loopback(port);
+    Require(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0 &&
+                listen(listener, 0) == 0,
+            "the port of a camera cannot be taken over");
+    for (int i = 0; i < 3; ++i)
+    {
+        const int waiting = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+        connect(waiting, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+    }
 }
 
 /// One notification, as a camera posts it. @return when its last byte was handed to the system; 0 on failure
@@ -113,10 +142,7 @@ std::uint64_t Post(const std::string& to, bool state)
         "\"/></tt:Data></tt:Message></wsnt:Message></wsnt:NotificationMessage></wsnt:Notify></s:Body></s:Envelope>";
     const std::string request = "POST / HTTP/1.1\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
     const int connection = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in nvr{};
-    nvr.sin_family = AF_INET;
-    nvr.sin_port = htons(NOTIFICATION_PORT);
-    nvr.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const sockaddr_in nvr = Loopback(NOTIFICATION_PORT);
     std::uint64_t sentNs = 0;
     if (connect(connection, reinterpret_cast<const sockaddr*>(&nvr), sizeof(nvr)) == 0 &&
         send(connection, request.data(), request.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(request.size()))
@@ -140,7 +166,7 @@ std::uint64_t Post(const std::string& to, bool state)
     manners.subscriptionPolicy = options.mode == "push";
     manners.pullPoint = options.mode == "pull";
     std::vector<std::unique_ptr<OnvifDeviceSimulator>> cameras;
-    for (unsigned int i = 0; i < options.cameras + options.vanished; ++i)
+    for (unsigned int i = 0; i < options.cameras + options.unreachable; ++i)
     {
         cameras.push_back(std::make_unique<OnvifDeviceSimulator>(manners));
         cameras.back()->SetValue("motion", "false");
@@ -151,7 +177,11 @@ std::uint64_t Post(const std::string& to, bool state)
     {
         usleep(1000);
     }
-    cameras.resize(options.cameras); // the others are gone
+    cameras.resize(options.cameras);
+    for (unsigned int i = options.cameras; i < options.cameras + options.unreachable; ++i)
+    {
+        MakeUnreachable(shared.ports[i]);
+    }
     const std::uint64_t beginNs = NowNs();
     for (std::uint64_t round = 0;; ++round)
     {
@@ -160,7 +190,8 @@ std::uint64_t Post(const std::string& to, bool state)
         {
             SleepUntilNs(beginNs + round * SECOND_NS + i * SECOND_NS / options.cameras);
             cameras[i]->Forget(); // it would note every request for as long as this runs
-            shared.changedNs[i] = NowNs();
+            shared.changedNs[i][round % ROUNDS_KEPT] = NowNs();
+            shared.rounds[i] = round + 1;
             ++shared.changes;
             if (options.mode == "push")
             {
@@ -179,22 +210,23 @@ std::uint64_t Post(const std::string& to, bool state)
 class CTimingObserver : public CONVIFAlarmStateObserver
 {
 public:
-    explicit CTimingObserver(Shared& shared) : m_shared(shared) {}
+    CTimingObserver(Shared& shared, bool isEveryChangeTold) : m_shared(shared), m_isEveryChangeTold(isEveryChangeTold)
+    {
+    }
 
     void Know(unsigned int token, unsigned int camera)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_cameras[token] = camera;
     }
-    void OnMotionState(unsigned int token, bool) override
+    void OnMotionState(unsigned int token, bool state) override
     {
         const std::uint64_t nowNs = NowNs();
         const std::lock_guard<std::mutex> lock(m_mutex);
-        const std::uint64_t changedNs = m_shared.changedNs[m_cameras[token]];
-        if (changedNs != 0)
-        {
-            m_latenciesMs.push_back(static_cast<double>(nowNs - changedNs) / 1e6);
-        }
+        const unsigned int camera = m_cameras[token];
+        const std::uint64_t round = m_isEveryChangeTold ? m_calls[camera]++ : LastRoundOf(camera, state);
+        const std::uint64_t changedNs = m_shared.changedNs[camera][round % ROUNDS_KEPT];
+        m_latenciesMs.push_back(static_cast<double>(nowNs - changedNs) / 1e6);
     }
     void OnAlarmInState(unsigned int, unsigned int, bool) override {}
 
@@ -205,8 +237,17 @@ public:
     }
 
 private:
+    /// Changes between two pulls are never told; the last one to this state is.
+    std::uint64_t LastRoundOf(unsigned int camera, bool state) const
+    {
+        const std::uint64_t last = m_shared.rounds[camera] - 1;
+        return (last % 2 == 0) == state ? last : last - 1;
+    }
+
     Shared& m_shared;
+    const bool m_isEveryChangeTold;
     std::mutex m_mutex;
+    std::map<unsigned int, std::uint64_t> m_calls; ///< by camera
     std::map<unsigned int, unsigned int> m_cameras;
     std::vector<double> m_latenciesMs;
 };
@@ -232,9 +273,9 @@ int main(int argc, char** argv)
 
     SHARESDK_SetLogLevel(SHARESDK_LOG_NONE);
     ONVIF_CLIENT_Initial();
-    CTimingObserver observer(shared);
+    CTimingObserver observer(shared, options.mode == "push");
     std::vector<unsigned int> tokens;
-    for (unsigned int i = 0; i < options.cameras + options.vanished; ++i)
+    for (unsigned int i = 0; i < options.cameras + options.unreachable; ++i)
     {
         unsigned int error = 0;
         const unsigned int token =
