@@ -363,6 +363,9 @@ void OnvifDeviceSimulator::Deliver(int connection, const OnvifAnswer& answer, co
     case OnvifManners::SILENT:
         WaitForClose(connection);
         return;
+    case OnvifManners::TRICKLE:
+        Trickle(connection, head + "\r\n");
+        return;
     case OnvifManners::CLOSED:
         return;
     case OnvifManners::RAW:
@@ -409,6 +412,16 @@ void OnvifDeviceSimulator::WaitForClose(int connection) const
     while (poll(waiting, 2, 2 * READ_LIMIT_MS) > 0 && waiting[1].revents == 0 &&
            recv(connection, part, sizeof(part), 0) > 0)
     {
+    }
+}
+
+void OnvifDeviceSimulator::Trickle(int connection, const std::string& head) const
+{
+    pollfd waiting{m_quit, POLLIN, 0};
+    bool open = SendBytes(connection, head);
+    while (open && poll(&waiting, 1, 10) == 0)
+    {
+        open = SendBytes(connection, " ");
     }
 }
 

@@ -29,6 +29,7 @@ struct OnvifManners
         CHUNKED,   ///< Transfer-Encoding: chunked, the document in one chunk
         TRUNCATED, ///< half of the document, then the end of the connection
         SILENT,    ///< nothing; the connection stays open until the client closes
+        TRICKLE,   ///< a byte every 10 ms, without an end, behind the head
         CLOSED,    ///< the end of the connection at once
         RAW,       ///< `raw` instead of an HTTP answer
     };
@@ -125,6 +126,7 @@ private:
     void Deliver(int connection, const OnvifAnswer& answer, const OnvifManners& manners, bool refused);
     bool SendBytes(int connection, const std::string& bytes) const;
     void WaitForClose(int connection) const;
+    void Trickle(int connection, const std::string& head) const;
     void Pause(unsigned int ms) const;
 
     const OnvifSimulatorOptions m_options;
