@@ -3,6 +3,7 @@
 
 #include "HttpClientManager.h"
 #include "NetSocket.h"
+#include "OnvifTrace.h"
 
 #include <cstring>
 
@@ -52,6 +53,11 @@ bool ONVIF_CLIENT_SetCfg(unsigned int token, const char* request, char*& respons
 void ONVIF_CLIENT_DelResponseBuff(char*& buffer)
 {
     delete[] buffer;
+}
+
+void ONVIF_CLIENT_SetTraceObserver(CONVIFTraceObserver* observer)
+{
+    COnvifTrace::SetObserver(observer);
 }
 
 bool ONVIF_CLIENT_AddAlarmStateObserver(unsigned int token, CONVIFAlarmStateObserver* observer)

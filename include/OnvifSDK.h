@@ -8,6 +8,7 @@
 #include "NetTypes.h"
 
 class CONVIFAlarmStateObserver;
+class CONVIFTraceObserver;
 class CRTSPReceiver;
 
 /// Starts the client side. Call it once, before anything else here. @return true
@@ -43,6 +44,11 @@ bool ONVIF_CLIENT_GetCfg(unsigned int token, const char* request, char*& respons
 bool ONVIF_CLIENT_SetCfg(unsigned int token, const char* request, char*& response);
 /// Takes back a response; null is fine. The pointer is left as it is.
 void ONVIF_CLIENT_DelResponseBuff(char*& buffer);
+
+/// Has the observer see each exchange with any camera, for diagnosis; without one, which is the state at the start,
+/// nothing is recorded. Credentials are masked.
+/// @param observer  borrowed until another one is set, or null, and the calls that ran then have returned
+void ONVIF_CLIENT_SetTraceObserver(CONVIFTraceObserver* observer);
 
 /// Has the observer hear of a camera's alarms; a second one replaces the first. @param observer  borrowed until
 /// ONVIF_CLIENT_DelAlarmStateObserver. @return true

@@ -228,6 +228,9 @@ private:
     int RunSet(const char* service, const std::string& request, const char* key, std::string& answer);
     /// The same for a cruise. @return ONVIF_MISSING_FIELD, without an exchange, when the request is empty
     int RunCruise(const std::string& request, const char* key, std::string& answer);
+    /// @param head  receives the HTTP head
+    void ReceivePicture(unsigned short port, const std::string& request, std::string& head, char*& data,
+                        int& size) const;
     void KeepMotionName(char (ONVIF_PROFILE_TOKEN::*field)[64], const ONVIF_PROFILE_TOKEN& profile);
     std::string Stamp(const std::string& request) const;
 

@@ -6,6 +6,7 @@
 #include "HttpClient.h"
 
 #include "NetSocket.h"
+#include "OnvifTrace.h"
 #include "PFHelper.h"
 #include "ShareSDK.h"
 
@@ -195,28 +196,40 @@ int CHttpClient::GetSnapshotData(std::string url, char*& data, int& size)
                                      "Accept-Encoding: gzip, deflate\r\nUser-Agent: ApiTool\r\n\r\n",
                                      picture.path.c_str(), picture.host.c_str(), m_basicAuth);
 
-    CPictureConnection connection(m_serverIp, picture.port);
-    connection.WaitConnected();
-    connection.Send(request, std::min(length, REQUEST_BYTES - 1));
-    connection.StartReceiving();
+    const COnvifTrace trace;
     std::string head;
+    ReceivePicture(picture.port, std::string(request, static_cast<std::size_t>(std::min(length, REQUEST_BYTES - 1))),
+                   head, data, size);
+    trace.Tell(m_serverIp, picture.port, request, head.c_str(), head.size() + static_cast<std::size_t>(size));
+    return ONVIF_OK;
+}
+
+// What has arrived when the time ends is the picture.
+void CHttpClient::ReceivePicture(unsigned short port, const std::string& request, std::string& head, char*& data,
+                                 int& size) const
+{
+    CPictureConnection connection(m_serverIp, port);
+    connection.WaitConnected();
+    connection.Send(request.data(), static_cast<int>(request.size()));
+    connection.StartReceiving();
     const std::size_t body = ReceiveHead(connection, head);
     if (body == 0)
     {
-        return ONVIF_OK;
+        return;
     }
-    const unsigned long long expected = ReadLength(head.substr(0, body));
+    const std::string begin = head.substr(body);
+    head.resize(body);
+    const unsigned long long expected = ReadLength(head);
     data = AllocatePicture(expected);
     if (data == nullptr)
     {
-        return ONVIF_OK;
+        return;
     }
     const int room = static_cast<int>(expected);
-    size = std::min(room, static_cast<int>(head.size() - body));
-    std::memcpy(data, head.data() + body, static_cast<std::size_t>(size));
+    size = std::min(room, static_cast<int>(begin.size()));
+    std::memcpy(data, begin.data(), static_cast<std::size_t>(size));
     for (int got = 1; size < room && got > 0; size += got)
     {
         got = connection.Receive(data + size, std::min(room - size, HEAD_BYTES));
     }
-    return ONVIF_OK;
 }

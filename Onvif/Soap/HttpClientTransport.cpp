@@ -5,6 +5,7 @@
 #include "Base64Coder.h"
 #include "MD5.h"
 #include "NetSocket.h"
+#include "OnvifTrace.h"
 #include "OnvifXmlParse.h"
 #include "PFHelper.h"
 #include "SHA1.h"
@@ -135,8 +136,12 @@ int CHttpClient::SendHttpReq(const char* url, const char* body, unsigned int bod
     text.erase(std::remove(text.begin(), text.end(), '\t'), text.end());
     std::string frame;
     MakeupHttpProtocol(url, text.c_str(), static_cast<unsigned int>(text.size()), frame);
-    return NET_SOCKET_SimpleClientComm(m_serverIp, m_serverPort, frame.data(), static_cast<unsigned int>(frame.size()),
-                                       recvBuf, recvSize, END_MARK, static_cast<unsigned int>(timeoutMs));
+    const COnvifTrace trace;
+    const int received =
+        NET_SOCKET_SimpleClientComm(m_serverIp, m_serverPort, frame.data(), static_cast<unsigned int>(frame.size()),
+                                    recvBuf, recvSize, END_MARK, static_cast<unsigned int>(timeoutMs));
+    trace.Tell(m_serverIp, m_serverPort, frame.c_str(), recvBuf, static_cast<std::size_t>(std::max(received, 0)));
+    return received;
 }
 
 std::string CHttpClient::PathOf(const std::string& service)

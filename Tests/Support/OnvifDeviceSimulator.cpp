@@ -99,11 +99,12 @@ std::size_t ContentLengthOf(const std::string& http)
 }
 
 /// Every family's table in one.
-const std::map<std::string, OnvifOperationRow>& AllOperations()
+/// Two services may have an operation of the same name.
+const std::multimap<std::string, OnvifOperationRow>& AllOperations()
 {
-    static const std::map<std::string, OnvifOperationRow> all = []
+    static const std::multimap<std::string, OnvifOperationRow> all = []
     {
-        std::map<std::string, OnvifOperationRow> rows;
+        std::multimap<std::string, OnvifOperationRow> rows;
         for (const OnvifFamily& family : {OnvifDeviceFamily(), OnvifEventFamily(), OnvifMediaFamily(),
                                           OnvifImagingFamily(), OnvifPtzFamily(), OnvifAnalyticsFamily()})
         {
@@ -221,6 +222,7 @@ void OnvifDeviceSimulator::Serve(int connection)
     OnvifAnswer answer;
     OnvifManners manners;
     bool refused = false;
+    std::function<void(const Request&)> hook;
     {
         const std::lock_guard<std::mutex> guard(m_mutex);
         m_requests.push_back(request);
@@ -228,6 +230,16 @@ void OnvifDeviceSimulator::Serve(int connection)
         answer = refused ? OnvifAnswer::Fault("ter:NotAuthorized", "Sender not Authorized") : Answer(request, soap);
         const auto own = m_mannersByOperation.find(request.operation);
         manners = own != m_mannersByOperation.end() ? own->second : m_manners;
+        if (IsPicture(request))
+        {
+            manners.delivery = OnvifManners::RAW;
+            manners.raw = PictureAnswer(request);
+        }
+        hook = m_hook;
+    }
+    if (hook)
+    {
+        hook(request);
     }
     if (answer.IsFault() && manners.status == 200)
     {
@@ -236,16 +248,38 @@ void OnvifDeviceSimulator::Serve(int connection)
     Deliver(connection, answer, manners, refused);
 }
 
+bool OnvifDeviceSimulator::HasBasic(const Request& request) const
+{
+    const std::string pair = m_options.user + ":" + m_options.password;
+    const std::string basic = "\r\nAuthorization: Basic " +
+                              Encoded(reinterpret_cast<const unsigned char*>(pair.data()), pair.size()) + "\r\n";
+    return request.http.find(basic) != std::string::npos;
+}
+
+bool OnvifDeviceSimulator::IsPicture(const Request& request) const
+{
+    return request.http.rfind("GET ", 0) == 0 && request.path == m_values.at("snapshot.path");
+}
+
+std::string OnvifDeviceSimulator::PictureAnswer(const Request& request) const
+{
+    const bool isOpen = m_options.user.empty() && m_options.password.empty();
+    if (!isOpen && !HasBasic(request))
+    {
+        return "HTTP/1.1 401 Unauthorized\r\nContent-Length: 6\r\n\r\n<html>";
+    }
+    const std::string& picture = m_values.at("snapshot.picture");
+    return "HTTP/1.1 200 OK\r\nContent-Type: image/jpeg\r\nContent-Length: " + std::to_string(picture.size()) +
+           "\r\n\r\n" + picture;
+}
+
 bool OnvifDeviceSimulator::MayPass(const Request& request, const OnvifSoapRequest& soap)
 {
     if (m_options.user.empty() && m_options.password.empty())
     {
         return true;
     }
-    const std::string pair = m_options.user + ":" + m_options.password;
-    const std::string basic = "\r\nAuthorization: Basic " +
-                              Encoded(reinterpret_cast<const unsigned char*>(pair.data()), pair.size()) + "\r\n";
-    if (m_options.requiresBasic && request.http.find(basic) == std::string::npos)
+    if (m_options.requiresBasic && !HasBasic(request))
     {
         return false;
     }
@@ -270,19 +304,33 @@ OnvifAnswer OnvifDeviceSimulator::Answer(const Request& request, const OnvifSoap
     return own != m_answers.end() ? own->second : AnswerByTable(request, soap);
 }
 
+/// The operation's row of the service that has this path; null for none.
+const OnvifOperationRow* OnvifDeviceSimulator::FindRow(const Request& request) const
+{
+    const auto rows = AllOperations().equal_range(request.operation);
+    for (auto row = rows.first; row != rows.second; ++row)
+    {
+        const std::string service = row->second.service;
+        const auto path = m_options.services.find(service);
+        if (service.empty() || (path != m_options.services.end() && path->second == request.path))
+        {
+            return &row->second;
+        }
+    }
+    return nullptr;
+}
+
 OnvifAnswer OnvifDeviceSimulator::AnswerByTable(const Request& request, const OnvifSoapRequest& soap)
 {
-    const auto row = AllOperations().find(request.operation);
-    const std::string service = row != AllOperations().end() ? row->second.service : "-";
-    const auto path = m_options.services.find(service);
-    if (!service.empty() && (path == m_options.services.end() || path->second != request.path))
+    const OnvifOperationRow* const row = FindRow(request);
+    if (row == nullptr)
     {
         return OnvifAnswer::Fault("ter:ActionNotSupported", "Optional Action Not Implemented", "Receiver");
     }
     const std::string host =
         m_options.announcedHost.empty() ? "127.0.0.1:" + std::to_string(m_port) : m_options.announcedHost;
     OnvifCall call{soap, m_options, m_values, "http://" + host + "/"};
-    return row->second.answer(call);
+    return row->answer(call);
 }
 
 void OnvifDeviceSimulator::Deliver(int connection, const OnvifAnswer& answer, const OnvifManners& manners, bool refused)
@@ -314,6 +362,9 @@ void OnvifDeviceSimulator::Deliver(int connection, const OnvifAnswer& answer, co
     {
     case OnvifManners::SILENT:
         WaitForClose(connection);
+        return;
+    case OnvifManners::TRICKLE:
+        Trickle(connection, head + "\r\n");
         return;
     case OnvifManners::CLOSED:
         return;
@@ -361,6 +412,16 @@ void OnvifDeviceSimulator::WaitForClose(int connection) const
     while (poll(waiting, 2, 2 * READ_LIMIT_MS) > 0 && waiting[1].revents == 0 &&
            recv(connection, part, sizeof(part), 0) > 0)
     {
+    }
+}
+
+void OnvifDeviceSimulator::Trickle(int connection, const std::string& head) const
+{
+    pollfd waiting{m_quit, POLLIN, 0};
+    bool open = SendBytes(connection, head);
+    while (open && poll(&waiting, 1, 10) == 0)
+    {
+        open = SendBytes(connection, " ");
     }
 }
 
@@ -422,6 +483,12 @@ void OnvifDeviceSimulator::SetAnswer(const std::string& operation, const OnvifAn
 void OnvifDeviceSimulator::Refuse(const std::string& operation, const std::string& subcode, const std::string& reason)
 {
     SetAnswer(operation, OnvifAnswer::Fault(subcode, reason));
+}
+
+void OnvifDeviceSimulator::SetHook(std::function<void(const Request&)> hook)
+{
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    m_hook = std::move(hook);
 }
 
 std::string OnvifDeviceSimulator::Value(const std::string& name) const

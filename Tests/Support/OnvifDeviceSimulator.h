@@ -9,13 +9,15 @@
 
 #include "OnvifSimulatorSoap.h"
 
-#include <atomic>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <set>
 #include <string>
 #include <thread>
 #include <vector>
+
+struct OnvifOperationRow;
 
 /// How one answer travels.
 struct OnvifManners
@@ -27,6 +29,7 @@ struct OnvifManners
         CHUNKED,   ///< Transfer-Encoding: chunked, the document in one chunk
         TRUNCATED, ///< half of the document, then the end of the connection
         SILENT,    ///< nothing; the connection stays open until the client closes
+        TRICKLE,   ///< a byte every 10 ms, without an end, behind the head
         CLOSED,    ///< the end of the connection at once
         RAW,       ///< `raw` instead of an HTTP answer
     };
@@ -101,6 +104,9 @@ public:
     /// An operation is answered with a fault.
     void Refuse(const std::string& operation, const std::string& subcode, const std::string& reason);
 
+    /// Runs on a thread of the camera when a request has come, before it is answered.
+    void SetHook(std::function<void(const Request&)> hook);
+
     /// What the camera keeps, by name; see the tables.
     std::string Value(const std::string& name) const;
     void SetValue(const std::string& name, const std::string& value);
@@ -111,11 +117,16 @@ private:
     Request ReadRequest(int connection) const;
     OnvifAnswer Answer(const Request& request, const OnvifSoapRequest& soap);
     OnvifAnswer AnswerByTable(const Request& request, const OnvifSoapRequest& soap);
+    const OnvifOperationRow* FindRow(const Request& request) const;
+    bool HasBasic(const Request& request) const;
+    bool IsPicture(const Request& request) const;
+    std::string PictureAnswer(const Request& request) const;
     bool MayPass(const Request& request, const OnvifSoapRequest& soap);
     bool DigestIsRight(const OnvifSoapRequest& soap);
     void Deliver(int connection, const OnvifAnswer& answer, const OnvifManners& manners, bool refused);
     bool SendBytes(int connection, const std::string& bytes) const;
     void WaitForClose(int connection) const;
+    void Trickle(int connection, const std::string& head) const;
     void Pause(unsigned int ms) const;
 
     const OnvifSimulatorOptions m_options;
@@ -131,4 +142,5 @@ private:
     std::map<std::string, OnvifAnswer> m_answers;
     std::map<std::string, std::string> m_values;
     std::set<std::string> m_nonces;
+    std::function<void(const Request&)> m_hook;
 };

@@ -56,7 +56,7 @@ TEST_F(NetSocketSimpleClient, EndsWithTheMark)
         {
             EXPECT_EQ("request", peer.Read(7));
             peer.Send("<s:Envelope v=\"1\">body</s:Enve");
-            peer.Send("lope>");
+            peer.Send("lope>\r\n0\r\n\r\n"); // as behind the last chunk of an answer in chunks
             m_mayClose.Await();
         });
     EXPECT_EQ(35, Exchange(":Envelope>"));
