@@ -1,8 +1,8 @@
 // netserver-bench-host: serves one H.264 file at its frame rate, looped, without an encoder.
 //
 // The main thread waits for the end; one thread feeds the frames.
+#include "BenchDevice.h"
 #include "BenchTools.h"
-#include "DefaultHost.h"
 #include "FrameStamp.h"
 #include "H264File.h"
 #include "LocalPorts.h"
@@ -53,32 +53,12 @@ struct Options
     bool stamp = false;
 };
 
-class Device : public CDefaultDevice
+class Device : public BenchDevice
 {
 public:
     explicit Device(bool auth) : m_auth(auth) {}
 
     bool NeedAuthorization() override { return m_auth; }
-
-    NETNS::DEV_RET GetUserList(NETNS::DEV_USER_INFO* list, int, int& count) override
-    {
-        snprintf(list[0].userName, sizeof(list[0].userName), "admin");
-        snprintf(list[0].password, sizeof(list[0].password), "admin");
-        count = 1;
-        return NETNS::DEV_RET_OK;
-    }
-
-    NETNS::DEV_RET GetDevInfo(const char*, NETNS::DEV_DEVICE_INFO* info) override
-    {
-        snprintf(info->model, sizeof(info->model), "Bench");
-        snprintf(info->brand, sizeof(info->brand), "Netserver");
-        snprintf(info->description, sizeof(info->description), "Benchmark host");
-        snprintf(info->softwareVersion, sizeof(info->softwareVersion), "1.0");
-        info->softwareBuildDate = {2024, 1, 1};
-        snprintf(info->kernelVersion, sizeof(info->kernelVersion), "1.0");
-        snprintf(info->hardwareVersion, sizeof(info->hardwareVersion), "1.0");
-        return NETNS::DEV_RET_OK;
-    }
 
 private:
     const bool m_auth;
@@ -276,7 +256,7 @@ int main(int argc, char** argv)
     const std::string configFile = std::string(webRoot.Path()) + "/config.xml";
     NET_SERVER_SetPolicy((options.compat ? 0 : NET_POLICY_STANDARD_RTSP) |
                          (options.announce ? 0 : NET_POLICY_NO_ANNOUNCE));
-    NET_SERVER_Initial(1, 0, 0, &device, &streams, "", "", 1, NETNS::DEV_TYPE_DEFAULT);
+    NET_SERVER_Initial(2, 2, 4, &device, &streams, "", "", 1, NETNS::DEV_TYPE_DEFAULT);
     NET_SERVER_Start(httpPort, webRoot.Path(), configFile.c_str());
     NET_SERVER_RTSPStart(rtspPort, &streams, &device);
     NET_SERVER_SetLiveRTSPUrl(CHANNEL, STREAM, "/live/ch1/main");

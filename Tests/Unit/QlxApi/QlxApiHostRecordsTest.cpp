@@ -2,64 +2,11 @@
 // on and off, words that nobody knows, texts without an end, counts beyond the tables.
 //
 // A write to a place that a document lacks ends the process, so this walks every path that the commands write.
+#include "HostRecords.h"
 #include "QlxApiWorld.h"
-
-#include <cstring>
 
 namespace
 {
-
-template <typename RECORD>
-void Fill(RECORD& record, int byte)
-{
-    std::memset(static_cast<void*>(&record), byte, sizeof(record));
-}
-
-void FillAll(CFakeDevice& device, int byte)
-{
-    Fill(device.deviceInfo, byte);
-    Fill(device.timeConfig, byte);
-    Fill(device.imageCaps, byte);
-    device.imageCaps.wdrSwitchDefault = 0; // the one default that has no place
-    Fill(device.imageParam, byte);
-    Fill(device.timeOsd, byte);
-    Fill(device.channelNameOsd, byte);
-    Fill(device.presetCaps, byte);
-    Fill(device.cruiseCaps, byte);
-    Fill(device.ptzProtocol, byte);
-    Fill(device.motionConfig, byte);
-    Fill(device.motionCaps, byte);
-    Fill(device.sensorConfig, byte);
-    Fill(device.alarmOutConfig, byte);
-    Fill(device.netBasic, byte);
-    Fill(device.pppoe, byte);
-    Fill(device.portInfo, byte);
-    Fill(device.ddns, byte);
-    for (int profile = 0; profile < 2; ++profile)
-    {
-        Fill(device.videoCaps[profile], byte);
-        Fill(device.videoProfiles[profile], byte);
-        device.videoProfiles[profile].encodeType = 2; // any other is refused
-    }
-    device.privacyMasks.resize(8);
-    device.presets.resize(256);
-    device.cruises.resize(12);
-    device.cruisePoints.resize(256);
-    device.recordDates.resize(256);
-    device.records.resize(256);
-    for (auto& row : device.privacyMasks)
-        Fill(row, byte);
-    for (auto& row : device.presets)
-        Fill(row, byte);
-    for (auto& row : device.cruises)
-        Fill(row, byte);
-    for (auto& row : device.cruisePoints)
-        Fill(row, byte);
-    for (auto& row : device.recordDates)
-        Fill(row, byte);
-    for (auto& row : device.records)
-        Fill(row, byte);
-}
 
 const struct
 {
@@ -100,7 +47,7 @@ class HostRecords : public QlxApiWorld, public testing::WithParamInterface<int>
 TEST_P(HostRecords, OfAnyBytesAreShownWhole)
 {
     OpenPtz();
-    FillAll(m_device, GetParam());
+    FillHostRecords(m_device, GetParam());
     for (const auto& read : READS)
     {
         const std::string answer = Ask(read.url, read.body);

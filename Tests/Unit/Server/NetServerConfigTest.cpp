@@ -189,6 +189,16 @@ TEST_F(NetServerConfig, FileIsNotMadeTooLongToBeRead)
     EXPECT_THAT(Log(), HasSubstr("could not be written"));
 }
 
+// Text behind the root is read up to a stray tag, but would not be read again without it.
+TEST_F(NetServerConfig, FileIsNotChangedToWhatCannotBeRead)
+{
+    const std::string before = "<Config></Config>text</Config>";
+    m_directory.Write(NAME, before);
+    EXPECT_TRUE(Set("10.0.0.5", 7000));
+    EXPECT_EQ(before, File());
+    EXPECT_THAT(Log(), HasSubstr("could not be written"));
+}
+
 TEST_F(NetServerConfig, EmptyFileCannotBeRead)
 {
     m_directory.Write(NAME, "");
