@@ -157,6 +157,11 @@ done
 stop_host
 echo "  micro" >&2
 "$BIN/netserver-bench-micro" --benchmark_format=csv 2>/dev/null | tr ',' '\t' >"$OUT/micro.tsv"
+if [ -x "$BIN/netserver-bench-onvif" ]; then # built with the tests, whose cameras it uses
+    echo "  onvif" >&2
+    "$BIN/netserver-bench-onvif" --mode logins --count 200 >"$OUT/onvif-logins.tsv"
+    "$BIN/netserver-bench-onvif" --mode clients --clients 64 --seconds 30 >"$OUT/onvif-clients.tsv"
+fi
 
 {
     row "Server CPU for each packet of a 4 Mbit/s stream, us" "" ""
@@ -199,6 +204,16 @@ echo "  micro" >&2
         done
         row "  $what, bare loop of as many bytes, 8 clients" "$(figure bare-http-$what requests_per_cpu_second | cut -d. -f1)"
     done
+    if [ -s "$OUT/onvif-logins.tsv" ]; then
+        row "ONVIF client against a camera on loopback" "" ""
+        row "  login, ms" "$(figure onvif-logins login_ms_median)" "goal 5"
+        row "  login, us of the client's CPU" "$(figure onvif-logins login_cpu_us_median)" "goal 1000"
+        row "  move, us of the client's CPU" "$(figure onvif-logins move_cpu_us_median)"
+        row "  200 logins, kB of growth" "$(figure onvif-logins resident_kb_growth)" "goal 0"
+        row "  64 clients for 30 s: errors" "$(figure onvif-clients errors | cut -d. -f1)" \
+            "of $(figure onvif-clients rounds | cut -d. -f1) rounds; growth in the second half, kB: $(awk -v a="$(figure onvif-clients resident_kb_end)" -v b="$(figure onvif-clients resident_kb_half)" 'BEGIN {print a - b}')"
+        row "  40 kB of profiles parsed and read, us" "$(awk -F'\t' '$1 ~ /ReadProfiles/ {printf "%.0f", $3 / 1000}' "$OUT/micro.tsv")" "goal 2000"
+    fi
     row "Packetiser alone, ns a packet" "" ""
     awk -F'\t' 'NR > 1 && $7 > 0 {gsub(/"/, "", $1); printf "  %-56s %12.0f\n", $1, 1e9 / $7}' "$OUT/micro.tsv"
 } | tee "$OUT/table.txt"
