@@ -195,8 +195,14 @@ NvrExit CNvrProgram::Raw()
     return Fetch(m_options.keys, answer);
 }
 
+// A camera's module and rule are written under the names that a read of this login has found.
 NvrExit CNvrProgram::Set()
 {
+    if (SetDocumentHas(m_document, "motion"))
+    {
+        std::string answer;
+        m_session.Get(MakeGetDocument({"motion"}, {}, {}), answer);
+    }
     return SendSet(m_document, true);
 }
 

@@ -80,7 +80,7 @@ class Examples(unittest.TestCase):
     def test_every_page_with_examples_is_tried(self):
         pages = {str(path.relative_to(ROOT / "docs")) for path in (ROOT / "docs").rglob("*.md")
                  if "```console\n" in path.read_text()}
-        self.assertEqual({"camera.md", "rtsp.md", "api/device.md"}, pages)
+        self.assertEqual({"camera.md", "rtsp.md", "api/device.md", "onvif-client.md"}, pages)
 
 
 if __name__ == "__main__":

@@ -107,3 +107,10 @@ const DocumentCase DOCUMENT_CASES[] = {
 };
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Documents, NvrSetDocument, testing::ValuesIn(DOCUMENT_CASES));
+
+TEST(NvrKeys, AreFoundInASetDocument)
+{
+    EXPECT_TRUE(SetDocumentHas("<Set><dns/><motion/></Set>", "motion"));
+    EXPECT_FALSE(SetDocumentHas("<Set><dns><motion/></dns></Set>", "motion"));
+    EXPECT_FALSE(SetDocumentHas("", "motion"));
+}
