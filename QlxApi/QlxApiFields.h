@@ -34,6 +34,13 @@ enum QLX_API_TEXT_FORM
     QLX_API_CDATA, ///< in a CDATA section
 };
 
+/// What becomes of a text that is too long for its field.
+enum QLX_API_LONG_TEXT
+{
+    QLX_API_CUT,
+    QLX_API_REFUSE,
+};
+
 namespace QLX_API_DETAIL
 {
 
@@ -124,8 +131,7 @@ void CopyCut(const std::string& text, char (&field)[SIZE])
     std::memcpy(field, text.data(), std::min(text.size(), SIZE - 1));
 }
 
-/// A text. What is too long for the field is cut when it is read.
-template <auto MEMBER, QLX_API_TEXT_FORM FORM>
+template <auto MEMBER, QLX_API_TEXT_FORM FORM, QLX_API_LONG_TEXT LONG_TEXT = QLX_API_CUT>
 constexpr QLX_API_FIELD<QLX_API_DETAIL::RECORD_OF<MEMBER>> TextField(const char* path)
 {
     using RECORD = QLX_API_DETAIL::RECORD_OF<MEMBER>;
@@ -138,8 +144,11 @@ constexpr QLX_API_FIELD<QLX_API_DETAIL::RECORD_OF<MEMBER>> TextField(const char*
             [](const CQLXXMLParse& body, unsigned int item, const std::string& place, RECORD& record)
             {
                 std::string text;
-                if (body.GetValueStr(item, place, text))
-                    CopyCut(text, record.*MEMBER);
+                if (!body.GetValueStr(item, place, text))
+                    return true;
+                if (LONG_TEXT == QLX_API_REFUSE && text.size() >= sizeof(record.*MEMBER))
+                    return false;
+                CopyCut(text, record.*MEMBER);
                 return true;
             }};
 }

@@ -8,6 +8,19 @@
 #include "Policy.h"
 #include "RTSP_Manager.h"
 #include "RTSP_ManagerKey.h"
+#include "UpnpServer.h"
+
+#include <atomic>
+
+namespace
+{
+
+constexpr const char* UPNP_NAME = "MOKA";
+constexpr unsigned short UPNP_PORT = 33899;
+
+std::atomic<bool> s_announces{false}; ///< as the policy had it at NET_SERVER_Initial
+
+} // namespace
 
 void NET_SERVER_SetPolicy(unsigned int bits)
 {
@@ -27,6 +40,11 @@ int NET_SERVER_Initial(unsigned int channels, unsigned int alarmOuts, unsigned i
     {
         return 0;
     }
+    s_announces = !CPolicy::Current().NoAnnounce();
+    if (s_announces)
+    {
+        CUpnpServer::Instance().InitUpnp(UPNP_NAME, UPNP_PORT, NETNS::DEV_TYPE_DEFAULT);
+    }
     CNetServerDataProc::Instance().Initial(channels, alarmOuts, sensors, dev, oldVersion, newVersion, flags);
     return 1;
 }
@@ -34,6 +52,10 @@ int NET_SERVER_Initial(unsigned int channels, unsigned int alarmOuts, unsigned i
 int NET_SERVER_Start(unsigned short port, const char* webRoot, const char* cfgFile)
 {
     CNetServer::Instance().start(port, webRoot, cfgFile);
+    if (s_announces)
+    {
+        CUpnpServer::Instance().StartUpnp(port);
+    }
     return 0;
 }
 
@@ -101,6 +123,10 @@ int NET_SERVER_RTSPStop()
 
 int NET_SERVER_Stop()
 {
+    if (s_announces)
+    {
+        CUpnpServer::Instance().StopUpnp();
+    }
     CNetServer::Instance().Stop();
     return 0;
 }

@@ -87,6 +87,18 @@ enum RTSP_ENCODE_TYPE : std::uint32_t
     RTSP_ENCODE_TALK = 11, ///< speech that a client sends, as handed to CStreamCtrl::TalkBackStreamInput
 };
 
+/// How a stream would come from a camera; live streaming from cameras is not in service.
+enum RTSP_NETPROTOCOL : std::uint32_t
+{
+    RTSP_NETPROTOCOL_DEFAULT = 0,
+};
+
+/// What of a camera's stream would be wanted; live streaming from cameras is not in service.
+enum RTSP_MEDIADATA_TYPE : std::uint32_t
+{
+    RTSP_MEDIADATA_DEFAULT = 0,
+};
+
 /// One encoded frame's description; its payload is handed over beside it and copied once.
 ///
 /// Video is one H.264 access unit in Annex B form: each NAL unit behind the four bytes 00 00 00 01, SPS and PPS in

@@ -129,7 +129,8 @@ int CCamera::Run(int readyFd)
     {
         return 1;
     }
-    NET_SERVER_SetPolicy(m_options.compat ? 0 : NET_POLICY_STANDARD_RTSP);
+    NET_SERVER_SetPolicy((m_options.compat ? 0 : NET_POLICY_STANDARD_RTSP) |
+                         (m_options.announce ? 0 : NET_POLICY_NO_ANNOUNCE));
     if (NET_SERVER_Initial(m_options.channels, ALARM_OUT_COUNT, SENSOR_COUNT, m_device.get(), m_streams.get(),
                            RTSP_PORT_MARK, m_rtspPortText.c_str(), FLAG_XML_API, NETNS::DEV_TYPE_DEFAULT) != 1)
     {

@@ -302,6 +302,8 @@ void Describe(CLI::App& app, CameraOptions& options, RawArguments& raw)
         ->group("Clients");
     app.add_flag("--no-rtsp-auth", raw.noRtspAuth, "RTSP clients need not log in")->group("Clients");
     app.add_flag("--compat", options.compat, "Keep the RTSP oddities that old clients may lean on")->group("Clients");
+    app.add_flag("--announce", options.announce, "Announce the camera over UPnP, with its description on port 33899")
+        ->group("Clients");
 }
 
 } // namespace

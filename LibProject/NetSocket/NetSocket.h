@@ -134,7 +134,8 @@ bool NET_SOCKET_UnRegisterNode(int handle);
 /// @param ip         dotted text
 /// @param recv       receives the bytes, always with a zero byte behind them
 /// @param recvSize   room in `recv`, above 0, the zero byte included
-/// @param endMark    text that ends the answer; null or empty: until the peer closes
+/// @param endMark    text that ends the answer, what comes behind it is dropped; null or empty: until the peer closes.
+///                   One from ":" to ">", as ":Envelope>", ends it in a closing tag only, whatever prefix that has
 /// @param timeoutMs  limit of the whole exchange, connect included
 /// @return bytes received, -1 when no connection came about
 int NET_SOCKET_SimpleClientComm(const char* ip, unsigned short port, const char* send, unsigned int sendLen, char* recv,

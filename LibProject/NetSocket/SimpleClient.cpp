@@ -14,12 +14,37 @@ bool IsTransient(int error)
     return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
 }
 
-/// Whether the mark is in the text; `fresh` bytes at its end have not been searched yet.
-bool HasMark(const char* text, std::size_t length, std::size_t fresh, const std::string& mark)
+/// Whether the tag that ends with the text at `tail` is a closing one: "</s:Envelope>".
+bool ClosesElement(const char* text, const char* tail)
 {
-    const std::size_t overlap = mark.empty() ? 0 : mark.size() - 1;
-    const char* from = text + (length - std::min(length, fresh + overlap));
-    return !mark.empty() && std::search(from, text + length, mark.begin(), mark.end()) != text + length;
+    while (tail > text && tail[-1] != '<' && tail[-1] != '>')
+    {
+        --tail;
+    }
+    return tail > text && tail[-1] == '<' && *tail == '/';
+}
+
+/// Looks for the mark; `fresh` bytes at the text's end have not been searched yet. A mark such as ":Envelope>" is the
+/// tail of a tag, which an opening tag without attributes has too, so it counts in a closing one only.
+/// @return the bytes up to the mark's end; 0 when it is not there
+std::size_t EndOfMark(const char* text, std::size_t length, std::size_t fresh, const std::string& mark)
+{
+    if (mark.empty())
+    {
+        return 0;
+    }
+    const bool isTagTail = mark.front() == ':' && mark.back() == '>';
+    const char* const end = text + length;
+    const char* found = end - std::min(length, fresh + mark.size() - 1);
+    while ((found = std::search(found, end, mark.begin(), mark.end())) != end)
+    {
+        if (!isTagTail || ClosesElement(text, found))
+        {
+            return static_cast<std::size_t>(found - text) + mark.size();
+        }
+        ++found;
+    }
+    return 0;
 }
 
 } // namespace
@@ -80,7 +105,9 @@ std::size_t CSimpleClient::Exchange(const char* send, std::size_t sendLength, ch
             if (count > 0)
             {
                 received += static_cast<std::size_t>(count);
-                complete = received == room || HasMark(recv, received, static_cast<std::size_t>(count), endMark);
+                const std::size_t marked = EndOfMark(recv, received, static_cast<std::size_t>(count), endMark);
+                received = marked != 0 ? marked : received;
+                complete = marked != 0 || received == room;
             }
             else if (count == 0 || !IsTransient(errno))
             {

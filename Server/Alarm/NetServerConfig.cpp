@@ -44,6 +44,13 @@ bool WriteFile(const char* path, unsigned int flags, const std::string& text)
            file.GetSize() == static_cast<long long>(text.size());
 }
 
+/// Whether LoadXml will read it again. What stood around the settings in a damaged file may forbid that.
+bool CanBeRead(const std::string& text)
+{
+    CQLXXMLParse document;
+    return text.size() <= CNetServerCfg::FILE_BYTES_MAX && document.LoadXML(text);
+}
+
 /// CSysHelper::StrToIPAddress takes any numbers and anything behind them.
 bool IsAddress(const std::string& text)
 {
@@ -113,7 +120,7 @@ bool CNetServerCfg::SaveXml(CQLXXMLParse& document)
 {
     const std::string& text = *document.GetDoc();
     const std::string unfinished = m_path + UNFINISHED_SUFFIX;
-    if (text.size() <= FILE_BYTES_MAX && WriteFile(unfinished.c_str(), OPEN_UNFINISHED, text) &&
+    if (CanBeRead(text) && WriteFile(unfinished.c_str(), OPEN_UNFINISHED, text) &&
         std::rename(unfinished.c_str(), m_path.c_str()) == 0)
     {
         return true;

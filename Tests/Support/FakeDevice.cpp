@@ -43,11 +43,21 @@ std::string Shown(const std::string& text)
     return text;
 }
 
+template <typename VALUE>
+std::string ShownField(const VALUE& field)
+{
+    // A text may fill its field without a zero byte.
+    if constexpr (std::is_array_v<VALUE>)
+        return "\"" + std::string(field, strnlen(field, sizeof(field))) + "\"";
+    else
+        return Shown(field);
+}
+
 template <typename... VALUES>
 std::string Braced(const VALUES&... values)
 {
     std::string text;
-    ((text += (text.empty() ? "{" : " ") + Shown(values)), ...);
+    ((text += (text.empty() ? "{" : " ") + ShownField(values)), ...);
     return text + "}";
 }
 

@@ -56,11 +56,27 @@ TEST_F(NetSocketSimpleClient, EndsWithTheMark)
         {
             EXPECT_EQ("request", peer.Read(7));
             peer.Send("<s:Envelope v=\"1\">body</s:Enve");
-            peer.Send("lope>");
+            peer.Send("lope>\r\n0\r\n\r\n"); // as behind the last chunk of an answer in chunks
             m_mayClose.Await();
         });
     EXPECT_EQ(35, Exchange(":Envelope>"));
     EXPECT_EQ("<s:Envelope v=\"1\">body</s:Envelope>", Text());
+}
+
+// An opening tag without attributes ends as the closing one does.
+TEST_F(NetSocketSimpleClient, TakesTheMarkInAClosingTagOnly)
+{
+    const std::string answer = "<Envelope><s:Envelope>/s:Envelope><a:Envelope>body</soap:Envelope>";
+    Serve(
+        [&](TcpPeer& peer)
+        {
+            peer.Read(7);
+            peer.Send(answer.substr(0, 21));
+            peer.Send(answer.substr(21));
+            m_mayClose.Await();
+        });
+    EXPECT_EQ(static_cast<int>(answer.size()), Exchange(":Envelope>", 128));
+    EXPECT_EQ(answer, Text());
 }
 
 TEST_F(NetSocketSimpleClient, MarkIsFoundAcrossReads)

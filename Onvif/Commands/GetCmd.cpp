@@ -1,0 +1,7 @@
+#include "GetCmd.h"
+
+CGetDefaultCmd& CGetDefaultCmd::Instance()
+{
+    static CGetDefaultCmd instance;
+    return instance;
+}
