@@ -2,6 +2,7 @@
 
 #include "NvrAnswer.h"
 #include "NvrKeys.h"
+#include "NvrWatch.h"
 #include "OnvifSDK.h"
 
 #include <cerrno>
@@ -121,6 +122,10 @@ NvrExit CNvrProgram::Run()
     {
         return NVR_USAGE;
     }
+    if (m_options.command == NvrCommand::Watch)
+    {
+        return Watch();
+    }
     const std::string address = ResolveHost(m_options.host);
     if (address.empty())
     {
@@ -162,6 +167,8 @@ NvrExit CNvrProgram::RunCommand()
         return Goto();
     case NvrCommand::Raw:
         return Raw();
+    case NvrCommand::Watch:
+        break; // has logins of its own
     }
     return NVR_USAGE;
 }
@@ -277,6 +284,44 @@ NvrExit CNvrProgram::Goto()
     return SendSet(CSetDocument("gotoPreset").Add({"presetToken"}, m_options.preset).Text(), false);
 }
 
+/// Goes on with the cameras that can be logged in to.
+NvrExit CNvrProgram::Watch()
+{
+    std::vector<NvrCamera> cameras;
+    if (!ReadCameras(cameras))
+    {
+        return NVR_USAGE;
+    }
+    CNvrWatch watch(m_out, m_options.json);
+    bool isAnyWatched = false;
+    for (const NvrCamera& camera : cameras)
+    {
+        const std::string name = camera.host + ":" + std::to_string(camera.port);
+        const std::string address = ResolveHost(camera.host);
+        if (address.empty())
+        {
+            Fail(NVR_NO_LOGIN, name + ": no IPv4 address and no name that is known");
+            continue;
+        }
+        Progress("logging in to " + name);
+        const unsigned int error = watch.Add(camera, address);
+        if (error != 0)
+        {
+            Fail(NVR_NO_LOGIN,
+                 name + ": login failed with code " + std::to_string(error) + ": " + DescribeLoginError(error));
+            continue;
+        }
+        isAnyWatched = true;
+    }
+    if (!isAnyWatched)
+    {
+        return NVR_NO_LOGIN;
+    }
+    Progress("watching, Ctrl-C ends it");
+    WaitForEndOfWatch();
+    return NVR_DONE;
+}
+
 bool CNvrProgram::AskForPassword()
 {
     if (m_options.user.empty() || m_options.hasPassword)
@@ -307,6 +352,24 @@ bool CNvrProgram::ReadFile()
     }
     const std::string problem = SetDocumentProblem(m_document);
     return problem.empty() || Fail(NVR_USAGE, m_options.file + ": " + problem) == NVR_DONE;
+}
+
+bool CNvrProgram::ReadCameras(std::vector<NvrCamera>& cameras)
+{
+    if (m_options.camerasFile.empty())
+    {
+        cameras.push_back({m_options.host, m_options.port, m_options.user, m_options.password});
+        return true;
+    }
+    std::ifstream file(m_options.camerasFile, std::ios::binary);
+    std::string text;
+    if (!file.is_open() || !ReadAll(file, text))
+    {
+        Fail(NVR_USAGE, "--cameras: cannot read '" + m_options.camerasFile + "', or it has more than 1 MiB");
+        return false;
+    }
+    const std::string problem = ReadNvrCameras(text, m_options, cameras);
+    return problem.empty() || Fail(NVR_USAGE, m_options.camerasFile + ": " + problem) == NVR_DONE;
 }
 
 /// What the wanted keys need and the camera has not.
@@ -369,6 +432,14 @@ bool CNvrProgram::WaitForEndOfMove() const
 {
     const timespec limit = {m_options.moveMs / 1000, static_cast<long>(m_options.moveMs % 1000) * 1000000};
     return sigtimedwait(&m_signals, nullptr, &limit) < 0;
+}
+
+void CNvrProgram::WaitForEndOfWatch() const
+{
+    const timespec limit = {static_cast<time_t>(m_options.watchSeconds), 0};
+    while (sigtimedwait(&m_signals, nullptr, m_options.watchSeconds != 0 ? &limit : nullptr) < 0 && errno == EINTR)
+    {
+    }
 }
 
 NvrExit CNvrProgram::Fail(NvrExit status, const std::string& message)
