@@ -46,6 +46,7 @@ private:
 
     bool AskForPassword();
     bool ReadFile();
+    bool NeedsProfile() const;
     std::string NeedProblem() const;
     NvrExit Fetch(const std::vector<std::string>& keys, std::string& answer);
     NvrExit Judge(bool good, const std::string& answer, const std::string& what);
