@@ -53,7 +53,7 @@ void TakePassword(const RawArguments& raw, NvrOptions& options)
 {
     const char* const variable = std::getenv(NVR_PASSWORD_VARIABLE);
     options.hasPassword = raw.password->count() != 0 || variable != nullptr;
-    if (raw.password->count() == 0 && variable != nullptr)
+    if (raw.password->count() == 0 && variable != nullptr && !options.user.empty())
     {
         options.password = variable;
     }

@@ -51,6 +51,7 @@ private:
     bool ReadFile();
     bool ReadCameras(std::vector<NvrCamera>& cameras);
     void WaitForEndOfWatch() const;
+    bool NeedsProfile() const;
     std::string NeedProblem() const;
     NvrExit Fetch(const std::vector<std::string>& keys, std::string& answer);
     NvrExit Judge(bool good, const std::string& answer, const std::string& what);

@@ -1,6 +1,7 @@
 // netserver-onvif-simulator: the simulated camera as a program, for tests of other programs.
 //
 // netserver-onvif-simulator [--port N] [--user U] [--password P] [--dialect NAME] [--events push|pull]
+//                           [--profiles 0|2]
 // Prints its port and a newline, and runs until its standard input ends. Lines there change what it sees, "motion on",
 // "alarm-in off" and so on: who has subscribed is told, and the next pull shows the motion.
 #include "OnvifDeviceSimulator.h"
@@ -38,7 +39,8 @@ void Change(OnvifDeviceSimulator& simulator, const std::string& line)
 int main(int argc, char** argv)
 {
     std::map<std::string, std::string> arguments = {
-        {"--port", "0"}, {"--user", "admin"}, {"--password", "secret"}, {"--dialect", "Ours"}, {"--events", "push"},
+        {"--port", "0"},       {"--user", "admin"},  {"--password", "secret"},
+        {"--dialect", "Ours"}, {"--events", "push"}, {"--profiles", "2"},
     };
     for (int i = 1; i + 1 < argc; i += 2)
     {
@@ -48,7 +50,9 @@ int main(int argc, char** argv)
     const auto dialect = dialects.find(arguments["--dialect"]);
     if (dialect == dialects.end() || argc % 2 == 0)
     {
-        std::fprintf(stderr, "usage: %s [--port N] [--user U] [--password P] [--dialect NAME] [--events push|pull]\n",
+        std::fprintf(stderr,
+                     "usage: %s [--port N] [--user U] [--password P] [--dialect NAME] [--events push|pull]\n"
+                     "       [--profiles 0|2]\n",
                      argv[0]);
         return 2;
     }
@@ -59,6 +63,10 @@ int main(int argc, char** argv)
     options.subscriptionPolicy = arguments["--events"] == "push";
     options.pullPoint = !options.subscriptionPolicy;
     OnvifDeviceSimulator simulator(options, static_cast<unsigned short>(std::atoi(arguments["--port"].c_str())));
+    if (arguments["--profiles"] == "0")
+    {
+        simulator.SetAnswer("GetProfiles", {"<mdw:GetProfilesResponse/>", "", "", ""});
+    }
     std::printf("%u\n", simulator.Port());
     std::fflush(stdout);
     simulator.SetValue("motion", "false");
