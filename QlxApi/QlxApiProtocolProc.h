@@ -86,14 +86,22 @@ public:
     /// Whether PTZ commands are served: only when the device has a built-in PTZ and drives one over RS485 as well.
     bool SupportPtz();
 
-    int GetDeviceInfo(const std::string& ip, const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
-    int Reboot(const std::string& ip, const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
-    int GetDateAndTime(const std::string& ip, const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
-    int SetDateAndTime(const std::string& ip, const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
-    int ModifyPassword(const std::string& ip, const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
-    int GetChnList(const std::string& ip, const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
-    int GetAlarmInList(const std::string& ip, const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
-    int GetAlarmOutList(const std::string& ip, const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
+    // The commands. Each is of this form and returns 0 on success, -1 on failure; the outcome is in the response.
+    using COMMAND = int(const std::string& ip, const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response);
+
+    COMMAND GetDeviceInfo, Reboot, GetDateAndTime, SetDateAndTime, ModifyPassword;
+    COMMAND GetChnList, GetAlarmInList, GetAlarmOutList;
+    COMMAND GetImageConfig, SetImageConfig, GetImageOsdCfg, SetImageOsdCfg, GetPrivacyMaskCfg, SetPrivacyMaskCfg;
+    COMMAND GetSnapShot;
+    COMMAND GetStreamCaps, GetVideoStreamCfg, SetVideoStreamCfg, GetAudioStreamCfg, SetAudioStreamCfg, RequestKeyFrame;
+    COMMAND GetAlarmStauts, ManualAlarmOut, GetMotionConfig, SetMotionConfig, GetAlarmInConfig, SetAlarmInConfig;
+    COMMAND GetAlarmOutConfig, SetAlarmOutConfig, GetAlarmServerConfig, SetAlarmServerConfig;
+    COMMAND PtzGetCaps, PtzGetProtocolConfig, PtzSetProtocolConfig, PtzControl;
+    COMMAND PtzGetPresets, PtzAddPreset, PtzDeletePreset, PtzModifyPresetPosition, PtzModifyPresetName, PtzGotoPreset;
+    COMMAND PtzGetCruises, PtzGetCruise, PtzAddCruise, PtzDeleteCruise, PtzModifyCruise, PtzRunCruise, PtzStopCruise;
+    COMMAND GetNetBasicConfig, SetNetBasicConfig, GetNetPppoeConfig, SetNetPppoeConfig, GetPortConfig, SetPortConfig;
+    COMMAND GetDdnsConfig, SetDdnsConfig;
+    COMMAND SearchRecordDate, SearchByTime;
 
 private:
     CQLXApiProc() = default;

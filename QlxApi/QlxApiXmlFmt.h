@@ -18,4 +18,20 @@ public:
 
     static std::string GetDeviceInfo();
     static std::string GetDateAndTime();
+    static std::string GetImageConfig();
+    static std::string GetImageOsdCfg();
+    static std::string GetPrivacyMaskCfg();
+    static std::string GetStreamCaps();
+    static std::string GetVideoStreamCfg();
+    static std::string GetAudioStreamCfg();
+    static std::string GetMotionConfig();
+    static std::string GetAlarmInConfig();
+    static std::string GetAlarmOutConfig();
+    static std::string GetAlarmServerConfig();
+    static std::string GetAlarmStauts();
+    static std::string PtzGetProtocolConfig();
+    static std::string GetNetBasicConfig();
+    static std::string GetNetPppoeConfig();
+    static std::string GetPortConfig();
+    static std::string GetDdnsConfig();
 };

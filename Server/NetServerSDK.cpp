@@ -1,12 +1,26 @@
 // NetServerSDK.cpp: the exported functions; each forwards to one singleton.
 #include "NetServerSDK.h"
 
+#include "AlarmServer.h"
 #include "NetServer.h"
 #include "NetServerDataProc.h"
 #include "NetSocket.h"
 #include "Policy.h"
 #include "RTSP_Manager.h"
 #include "RTSP_ManagerKey.h"
+#include "UpnpServer.h"
+
+#include <atomic>
+
+namespace
+{
+
+constexpr const char* UPNP_NAME = "MOKA";
+constexpr unsigned short UPNP_PORT = 33899;
+
+std::atomic<bool> s_announces{false}; ///< as the policy had it at NET_SERVER_Initial
+
+} // namespace
 
 void NET_SERVER_SetPolicy(unsigned int bits)
 {
@@ -26,6 +40,11 @@ int NET_SERVER_Initial(unsigned int channels, unsigned int alarmOuts, unsigned i
     {
         return 0;
     }
+    s_announces = !CPolicy::Current().NoAnnounce();
+    if (s_announces)
+    {
+        CUpnpServer::Instance().InitUpnp(UPNP_NAME, UPNP_PORT, NETNS::DEV_TYPE_DEFAULT);
+    }
     CNetServerDataProc::Instance().Initial(channels, alarmOuts, sensors, dev, oldVersion, newVersion, flags);
     return 1;
 }
@@ -33,6 +52,10 @@ int NET_SERVER_Initial(unsigned int channels, unsigned int alarmOuts, unsigned i
 int NET_SERVER_Start(unsigned short port, const char* webRoot, const char* cfgFile)
 {
     CNetServer::Instance().start(port, webRoot, cfgFile);
+    if (s_announces)
+    {
+        CUpnpServer::Instance().StartUpnp(port);
+    }
     return 0;
 }
 
@@ -74,18 +97,21 @@ int NET_SERVER_TalkBackStreamIn(const NETNS::RTSP_FRAME& frame, void* data)
     return 0;
 }
 
-int NET_SERVER_SetMotionStatus(unsigned int /*channel*/, bool /*active*/)
+int NET_SERVER_SetMotionStatus(unsigned int channel, bool active)
 {
+    CAlarmServer::Instance().SetMotionStatus(channel, active);
     return 0;
 }
 
-int NET_SERVER_SetSensorStatus(unsigned int /*id*/, bool /*active*/)
+int NET_SERVER_SetSensorStatus(unsigned int id, bool active)
 {
+    CAlarmServer::Instance().SetSensorStatus(id, active);
     return 0;
 }
 
-int NET_SERVER_SetVideoLossStatus(unsigned int /*channel*/, bool /*active*/)
+int NET_SERVER_SetVideoLossStatus(unsigned int channel, bool active)
 {
+    CAlarmServer::Instance().SetVideoLossStatus(channel, active);
     return 0;
 }
 
@@ -97,6 +123,10 @@ int NET_SERVER_RTSPStop()
 
 int NET_SERVER_Stop()
 {
+    if (s_announces)
+    {
+        CUpnpServer::Instance().StopUpnp();
+    }
     CNetServer::Instance().Stop();
     return 0;
 }

@@ -15,13 +15,18 @@
 /// not keep frames from the clients behind it.
 constexpr unsigned int NET_POLICY_STANDARD_RTSP = 1;
 
-/// Chooses behaviour by policy bits (0 by default). Takes effect for connections made afterwards. Any thread.
+/// Policy bit: the device stays silent. Set before NET_SERVER_Initial: no multicast socket is opened, nothing is
+/// announced over UPnP, and the description port stays shut.
+constexpr unsigned int NET_POLICY_NO_ANNOUNCE = 2;
+
+/// Chooses behaviour by policy bits (0 by default). Takes effect for connections made afterwards,
+/// NET_POLICY_NO_ANNOUNCE with the next NET_SERVER_Initial. Any thread.
 void NET_SERVER_SetPolicy(unsigned int bits);
 
 /// The bits last set. Any thread.
 unsigned int NET_SERVER_GetPolicy();
 
-/// Brings the library up. Meant to run once.
+/// Brings the library up. Meant to run once. The device gets a new UPnP identity (UDN).
 /// @param channels    number of video channels
 /// @param alarmOuts   number of alarm outputs
 /// @param sensors     number of alarm inputs
@@ -36,7 +41,8 @@ int NET_SERVER_Initial(unsigned int channels, unsigned int alarmOuts, unsigned i
                        CStreamCtrl* stream, const char* oldVersion, const char* newVersion, unsigned int flags,
                        NETNS::DEV_TYPE type);
 
-/// Serves HTTP on a port. May be called again after NET_SERVER_Stop.
+/// Serves HTTP on a port, and announces the device over UPnP: once on each Ethernet or bond interface, with the
+/// description on port 33899. May be called again, which announces again.
 /// @param webRoot  directory of the web pages
 /// @param cfgFile  path of the library's own settings file
 /// @return 0, also when the port could not be opened
@@ -65,19 +71,20 @@ int NET_SERVER_PlayStreamIn(unsigned int channel, const NETNS::RTSP_FRAME& frame
 /// Feeds a frame of the device's own sound to talk clients. @return 0
 int NET_SERVER_TalkBackStreamIn(const NETNS::RTSP_FRAME& frame, void* data);
 
-/// Reports the motion state of a channel, counted from 0. @return 0
+/// Reports the motion state of a channel, counted from 0. Each report, also one that changes nothing, is pushed to the
+/// alarm server before the call returns: at once when it is near, within some seconds when it is not. @return 0
 int NET_SERVER_SetMotionStatus(unsigned int channel, bool active);
 
-/// Reports the state of an alarm input, counted from 0. @return 0
+/// The same for the state of an alarm input, counted from 0. @return 0
 int NET_SERVER_SetSensorStatus(unsigned int id, bool active);
 
-/// Reports the video-loss state of a channel, counted from 0. @return 0
+/// The same for the video-loss state of a channel, counted from 0. @return 0
 int NET_SERVER_SetVideoLossStatus(unsigned int channel, bool active);
 
 /// Ends RTSP: the scheduler thread first, then every session. Does nothing while RTSP is stopped. @return 0
 int NET_SERVER_RTSPStop();
 
-/// Ends HTTP. @return 0
+/// Ends HTTP and the UPnP description; nothing is announced. @return 0
 int NET_SERVER_Stop();
 
 /// Ends the socket service with its threads and sockets; starting again needs NET_SERVER_Initial. @return 1

@@ -6,11 +6,11 @@ set -eu
 # What builds the library, the camera, the tests and the benchmarks, and the clients that the tests drive.
 BUILD="cmake ninja-build g++ pkg-config
   libevent-dev libtinyxml2-dev libspdlog-dev nettle-dev uuid-dev
-  libcli11-dev libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
+  libcli11-dev libsqlite3-dev libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
   gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly
   gstreamer1.0-x gstreamer1.0-libav gstreamer1.0-tools
   libgtest-dev libgmock-dev libbenchmark-dev
-  python3 ffmpeg curl libxml2-utils chromium iproute2"
+  python3 ffmpeg curl libxml2-utils chromium iproute2 util-linux gupnp-tools"
 FORMAT="git clang-format"
 LINT="clang-tidy cppcheck"
 FUZZ="clang libclang-rt-14-dev"

@@ -3,6 +3,10 @@
 #include "CameraSettings.h"
 #include "LocalPorts.h"
 #include "NetServerSDK.h"
+#include "RecordTime.h"
+#include "StreamChoices.h"
+#include "TalkPlayer.h"
+#include "WavFile.h"
 
 #include <cstdio>
 #include <ctime>
@@ -22,6 +26,8 @@ constexpr auto CLIENT_WATCH = 2s;
 // A client that opened a stream plays it after two or three more round trips only.
 constexpr auto SECOND_KEY_FRAME = 500ms;
 constexpr unsigned int FLAG_XML_API = 1;
+constexpr std::uint64_t BYTES_IN_MB = 1000000;
+constexpr std::uint64_t VIDEO_LOSS_US = 3000000;
 
 // The library replaces the first text in web pages by the second one, of the same length: so the page knows where the
 // streams are.
@@ -60,6 +66,42 @@ bool CheckService(const char* name, unsigned short port)
     return false;
 }
 
+/// All channels show the same source, so they have its alarms.
+void Report(const AlarmEdge& edge, unsigned int channels)
+{
+    if (edge.kind == AlarmKind::Sensor)
+    {
+        NET_SERVER_SetSensorStatus(edge.id, edge.active);
+        return;
+    }
+    for (unsigned int channel = 0; channel < channels; ++channel)
+    {
+        if (edge.kind == AlarmKind::Motion)
+        {
+            NET_SERVER_SetMotionStatus(channel, edge.active);
+        }
+        else
+        {
+            NET_SERVER_SetVideoLossStatus(channel, edge.active);
+        }
+    }
+}
+
+/// Hands a recorded frame to the client that plays it.
+void Play(unsigned int handle, const RecordedFrame& frame)
+{
+    const bool video = frame.kind == RecordedKind::Video;
+    NETNS::RTSP_FRAME record = {};
+    record.frameType = video ? NETNS::RTSP_FRAME_VIDEO : NETNS::RTSP_FRAME_AUDIO;
+    record.encodeType = video ? NETNS::RTSP_ENCODE_H264 : NETNS::RTSP_ENCODE_PCMA;
+    record.keyFrame = frame.keyFrame ? 1 : 0;
+    record.presentationUs = static_cast<std::uint64_t>(frame.timeUs);
+    record.clockRate = video ? 90000 : 8000;
+    record.length = static_cast<std::uint32_t>(frame.payload.size());
+    // The library copies the payload and does not write to it.
+    NET_SERVER_PlayStreamIn(handle, record, const_cast<unsigned char*>(frame.payload.data()));
+}
+
 bool PrintReady(int fd, unsigned short httpPort, unsigned short rtspPort)
 {
     return dprintf(fd, "ready http=%u rtsp=%u\n", unsigned{httpPort}, unsigned{rtspPort}) > 0;
@@ -69,19 +111,16 @@ bool PrintReady(int fd, unsigned short httpPort, unsigned short rtspPort)
 
 CCamera::CCamera(const CameraOptions& options, const sigset_t& stopSignals)
     : m_options(options), m_stopSignals(stopSignals), m_dataDirectory(DataDirectory(options)),
-      m_settingsFile(m_dataDirectory + "/netserver.xml"), m_webRoot(WebRoot(options)),
-      m_rtspPortText(RtspPortText(options.rtspPort)), m_users(options.users),
-      m_streams(options.channels, m_users, options.rtspAuth, [this](int stream) { OnOpen(stream); }),
-      m_device(
-          options, m_users,
-          [this]
-          {
-              RequestKeyFrame(MAIN_STREAM);
-              RequestKeyFrame(SUB_STREAM);
-          },
-          [this] { m_rebootWanted = true; }),
-      m_feed(options.channels)
+      m_settingsFile(m_dataDirectory + "/netserver.xml"), m_webRoot(WebRoot(options)), m_users(options.users),
+      m_reporter([this](const AlarmEdge& edge) { Report(edge, m_options.channels); }),
+      m_alarms([this](const AlarmEdge& edge) { m_reporter.Put(edge); }), m_playbacks(m_records, Play),
+      m_feed(options.channels), m_recorder(m_records, options.recordLimit * BYTES_IN_MB)
 {
+}
+
+CCamera::~CCamera()
+{
+    StopMedia();
 }
 
 int CCamera::Run(int readyFd)
@@ -90,9 +129,10 @@ int CCamera::Run(int readyFd)
     {
         return 1;
     }
-    NET_SERVER_SetPolicy(m_options.compat ? 0 : NET_POLICY_STANDARD_RTSP);
-    if (NET_SERVER_Initial(m_options.channels, 0, 0, &m_device, &m_streams, RTSP_PORT_MARK, m_rtspPortText.c_str(),
-                           FLAG_XML_API, NETNS::DEV_TYPE_DEFAULT) != 1)
+    NET_SERVER_SetPolicy((m_options.compat ? 0 : NET_POLICY_STANDARD_RTSP) |
+                         (m_options.announce ? 0 : NET_POLICY_NO_ANNOUNCE));
+    if (NET_SERVER_Initial(m_options.channels, ALARM_OUT_COUNT, SENSOR_COUNT, m_device.get(), m_streams.get(),
+                           RTSP_PORT_MARK, m_rtspPortText.c_str(), FLAG_XML_API, NETNS::DEV_TYPE_DEFAULT) != 1)
     {
         Say("the network services could not be started");
         return 1;
@@ -109,17 +149,97 @@ int CCamera::Run(int readyFd)
 bool CCamera::Prepare()
 {
     std::string problem;
-    if (!MakeDirectory(m_dataDirectory, problem))
+    if (m_webRoot.empty())
+    {
+        problem = "the web pages are not beside the program nor installed; give --web-root";
+    }
+    if (!problem.empty() || !OpenStore(problem) || !OpenTalk(problem))
     {
         Say(problem);
         return false;
     }
-    if (m_webRoot.empty())
+    BuildDevice();
+    return CheckPort("HTTP", m_ports.httpPort) && CheckPort("RTSP", m_ports.rtspPort);
+}
+
+bool CCamera::OpenStore(std::string& problem)
+{
+    const std::string recordings = m_dataDirectory + "/recordings";
+    return MakeDirectory(m_dataDirectory, problem) && m_store.Open(m_dataDirectory + "/camera.db", problem) &&
+           MakeDirectory(recordings, problem) && m_records.Open(recordings, problem);
+}
+
+bool CCamera::OpenTalk(std::string& problem)
+{
+    if (m_options.talkOut.empty())
     {
-        Say("the web pages are not beside the program nor installed; give --web-root");
-        return false;
+        m_talk = std::make_unique<CTalkPlayer>();
+        return true;
     }
-    return CheckPort("HTTP", m_options.httpPort) && CheckPort("RTSP", m_options.rtspPort);
+    auto file = std::make_unique<CWavFile>();
+    const bool opened = file->Open(m_options.talkOut, problem);
+    m_talk = std::move(file);
+    return opened;
+}
+
+void CCamera::BuildDevice()
+{
+    DeviceSettings settings = DefaultSettings(m_options);
+    m_store.Load(m_options, settings);
+    for (unsigned int stream = 0; stream < VIDEO_STREAMS; ++stream)
+    {
+        if (!IsPossible(m_options, stream, settings.profiles[stream]))
+        {
+            settings.profiles[stream] = DefaultProfile(m_options, stream);
+        }
+    }
+    m_users.Replace(settings.users);
+    m_alarms.Configure(settings);
+    m_feed.SetUlaw(settings.audioType != 0);
+    m_ports = settings.ports;
+    m_rtspPortText = RtspPortText(m_ports.rtspPort);
+    m_device = std::make_unique<CCameraDevice>(
+        m_options, CCameraDevice::Parts{m_store, m_users, m_head, m_alarms, m_records, *this}, settings);
+    m_streams =
+        std::make_unique<CCameraStreams>(m_options.channels, CCameraStreams::Parts{m_users, m_playbacks, *m_talk},
+                                         m_options.rtspAuth, [this](int stream) { OnOpen(stream); });
+}
+
+/// HTTP workers, one at a time, under the device's lock.
+void CCamera::SettingsChanged(SettingsTopic topic, const DeviceSettings& settings)
+{
+    switch (topic)
+    {
+    case SettingsTopic::Motion:
+    case SettingsTopic::Sensors:
+    case SettingsTopic::AlarmOuts:
+        m_alarms.Configure(settings);
+        break;
+    case SettingsTopic::Audio:
+        m_rtspRestartWanted = m_feed.IsUlaw() != (settings.audioType != 0);
+        break;
+    default:
+        break;
+    }
+    {
+        const std::lock_guard<std::mutex> guard(m_mediaLock);
+        if (m_media != nullptr)
+        {
+            m_media->Apply(topic, settings);
+        }
+    }
+    m_feed.ForgetSnapshot();
+}
+
+void CCamera::RequestKeyFrames()
+{
+    RequestKeyFrame(MAIN_STREAM);
+    RequestKeyFrame(SUB_STREAM);
+}
+
+void CCamera::Reboot()
+{
+    m_rebootWanted = true;
 }
 
 CCamera::Outcome CCamera::RunOnce(int readyFd)
@@ -127,8 +247,19 @@ CCamera::Outcome CCamera::RunOnce(int readyFd)
     m_rebootWanted = false;
     m_restartMediaAt.reset();
     m_feed.Restart();
-    NET_SERVER_Start(m_options.httpPort, m_webRoot.c_str(), m_settingsFile.c_str());
-    NET_SERVER_RTSPStart(m_options.rtspPort, &m_streams, &m_device);
+    NET_SERVER_Start(m_ports.httpPort, m_webRoot.c_str(), m_settingsFile.c_str());
+    StartRtsp();
+    Outcome outcome = BringUp(readyFd);
+    StopMedia();
+    m_recorder.Finish();
+    StopRtsp();
+    NET_SERVER_Stop();
+    return outcome;
+}
+
+void CCamera::StartRtsp()
+{
+    NET_SERVER_RTSPStart(m_ports.rtspPort, m_streams.get(), m_device.get());
     for (unsigned int channel = 1; channel <= m_options.channels; ++channel)
     {
         for (const int stream : {MAIN_STREAM, SUB_STREAM})
@@ -136,12 +267,13 @@ CCamera::Outcome CCamera::RunOnce(int readyFd)
             NET_SERVER_SetLiveRTSPUrl(channel, stream, LivePath(channel, stream).c_str());
         }
     }
-    Outcome outcome = BringUp(readyFd);
-    StopMedia();
+}
+
+void CCamera::StopRtsp()
+{
+    m_playbacks.CloseAll();
     NET_SERVER_RTSPStop();
-    NET_SERVER_Stop();
-    m_streams.ForgetAll();
-    return outcome;
+    m_streams->ForgetAll();
 }
 
 CCamera::Outcome CCamera::BringUp(int readyFd)
@@ -151,13 +283,13 @@ CCamera::Outcome CCamera::BringUp(int readyFd)
     {
         return *end;
     }
-    if (!CheckService("HTTP", m_options.httpPort) || !CheckService("RTSP", m_options.rtspPort))
+    if (!CheckService("HTTP", m_ports.httpPort) || !CheckService("RTSP", m_ports.rtspPort))
     {
         return Outcome::Failed;
     }
     if (!m_readyPrinted)
     {
-        m_readyPrinted = PrintReady(readyFd, m_options.httpPort, m_options.rtspPort);
+        m_readyPrinted = PrintReady(readyFd, m_ports.httpPort, m_ports.rtspPort);
     }
     return Serve();
 }
@@ -202,11 +334,48 @@ CCamera::Outcome CCamera::Serve()
         {
             return Outcome::Reboot; // a tick or more after the answer to the client was made
         }
+        ActOnServices();
         WatchMedia();
+        WatchPictures();
+        m_feed.RepeatSnapshot();
         WatchClients();
         RepeatKeyFrames();
     }
     return Outcome::Stopped;
+}
+
+/// Moves the services to other ports, and starts RTSP anew for another sound: the description of a stream that clients
+/// have got holds its code. A tick or more after the answer to the client was made.
+void CCamera::ActOnServices()
+{
+    const DeviceSettings settings = m_device->Settings();
+    if (settings.ports.httpPort != m_ports.httpPort)
+    {
+        m_ports.httpPort = settings.ports.httpPort;
+        NET_SERVER_SetHttpPort(m_ports.httpPort);
+    }
+    if (m_rtspRestartWanted.exchange(false) || settings.ports.rtspPort != m_ports.rtspPort)
+    {
+        StopRtsp();
+        m_ports.rtspPort = settings.ports.rtspPort;
+        m_feed.SetUlaw(settings.audioType != 0);
+        StartRtsp();
+        RequestKeyFrames();
+    }
+}
+
+/// A source may go silent without an end.
+void CCamera::WatchPictures()
+{
+    m_alarms.SetVideoLoss(SteadyClockUs() - m_lastPictureUs > VIDEO_LOSS_US);
+    m_alarms.Tick(SteadyClockUs() / 1000);
+}
+
+/// Media thread.
+void CCamera::OnPicture(bool moving)
+{
+    m_lastPictureUs = SteadyClockUs();
+    m_alarms.SetMoving(moving, m_lastPictureUs / 1000);
 }
 
 /// Starts the media again when they have stopped: a remote camera that went away, a device that was unplugged.
@@ -240,21 +409,23 @@ void CCamera::WatchClients()
     if (Clock::now() >= m_nextClientWatch)
     {
         m_nextClientWatch = Clock::now() + CLIENT_WATCH;
-        const bool connected = CountConnections(m_options.rtspPort) > 0;
+        const bool connected = CountConnections(m_ports.rtspPort) > 0;
         if (!connected && !m_connected)
         {
-            m_streams.ForgetAll(); // clients that left without a word: every player holds a connection
+            m_streams->ForgetAll(); // clients that left without a word: every player holds a connection
+            m_playbacks.CloseAll();
         }
         m_connected = connected;
     }
     // A client may play without asking for the description on the same connection; it is not known which stream.
-    const bool unknownUse = m_connected && !m_streams.IsOpen(MAIN_STREAM) && !m_streams.IsOpen(SUB_STREAM);
+    const bool unknownUse = m_connected && !m_streams->IsOpen(MAIN_STREAM) && !m_streams->IsOpen(SUB_STREAM);
     const std::lock_guard<std::mutex> guard(m_mediaLock);
     for (const int stream : {MAIN_STREAM, SUB_STREAM})
     {
         if (m_media != nullptr)
         {
-            m_media->SetWanted(stream, m_streams.IsOpen(stream) || unknownUse);
+            const bool recorded = stream == MAIN_STREAM && m_options.recordLimit > 0;
+            m_media->SetWanted(stream, m_streams->IsOpen(stream) || unknownUse || recorded);
         }
     }
 }
@@ -275,8 +446,14 @@ void CCamera::RepeatKeyFrames()
 
 bool CCamera::StartMedia(std::string& problem)
 {
-    auto media = std::make_unique<CMediaPipeline>(m_options, m_feed);
-    const bool started = media->Start(problem);
+    CFrameSink& sink = m_options.recordLimit > 0 ? static_cast<CFrameSink&>(m_feedAndRecorder) : m_feed;
+    m_lastPictureUs = SteadyClockUs();
+    auto media = std::make_unique<CMediaPipeline>(m_options, CMediaPipeline::Parts{sink, m_work,
+                                                                                   [this](bool moving)
+                                                                                   {
+                                                                                       OnPicture(moving);
+                                                                                   }});
+    const bool started = media->Start(m_device->Settings(), problem);
     const std::lock_guard<std::mutex> guard(m_mediaLock);
     m_media = std::move(media);
     return started;

@@ -1,13 +1,23 @@
 // Camera.h: the camera as a whole: its media, the library that serves them, and their start and stop.
 //
-// Main thread only, apart from what the library's threads ask of the device and the streams.
+// Main thread, apart from what the library's threads ask of the device and the streams, and the effects of that here.
 #pragma once
 
+#include "AlarmBoard.h"
+#include "AlarmReporter.h"
 #include "CameraDevice.h"
 #include "CameraStreams.h"
 #include "CameraUsers.h"
+#include "FrameFork.h"
 #include "LiveFeed.h"
 #include "MediaPipeline.h"
+#include "PictureWork.h"
+#include "Playback.h"
+#include "PtzHead.h"
+#include "RecordIndex.h"
+#include "Recorder.h"
+#include "SettingsStore.h"
+#include "TalkSink.h"
 
 #include <atomic>
 #include <chrono>
@@ -18,11 +28,12 @@
 
 #include <signal.h>
 
-class CCamera
+class CCamera : private CDeviceEffects
 {
 public:
     /// @param stopSignals  the signals that end Run; blocked in every thread
     CCamera(const CameraOptions& options, const sigset_t& stopSignals);
+    ~CCamera() override;
 
     /// Serves until one of the signals comes.
     /// @param readyFd  file descriptor that gets the line "ready http=PORT rtsp=PORT" once everything serves
@@ -39,18 +50,30 @@ private:
         Failed,
     };
 
+    void SettingsChanged(SettingsTopic topic, const DeviceSettings& settings) override;
+    void RequestKeyFrames() override;
+    void Reboot() override;
+
     bool Prepare();
+    bool OpenStore(std::string& problem);
+    bool OpenTalk(std::string& problem);
+    void BuildDevice();
     Outcome RunOnce(int readyFd);
     Outcome BringUp(int readyFd);
     std::optional<Outcome> AwaitMedia();
     Outcome Serve();
+    void StartRtsp();
+    void StopRtsp();
+    void ActOnServices();
     void WatchMedia();
+    void WatchPictures();
     void WatchClients();
     void RepeatKeyFrames();
     bool StartMedia(std::string& problem);
     bool IsMediaRunning(std::string& problem);
     void StopMedia();
     void OnOpen(int stream);
+    void OnPicture(bool moving);
     void RequestKeyFrame(int stream);
     bool WaitForSignal(std::chrono::milliseconds limit) const;
 
@@ -59,21 +82,37 @@ private:
     const std::string m_dataDirectory;
     const std::string m_settingsFile;
     const std::string m_webRoot;
-    const std::string m_rtspPortText; // as the web page has it
 
+    // In the order in which they need one another.
+    CSettingsStore m_store;
+    CRecordIndex m_records;
     CCameraUsers m_users;
-    CCameraStreams m_streams;
-    CCameraDevice m_device;
+    CPtzHead m_head;
+    CPictureWork m_work{m_head};
+    CAlarmReporter m_reporter;
+    CAlarmBoard m_alarms;
+    CPlaybacks m_playbacks;
     CLiveFeed m_feed;
+    CRecorder m_recorder;
+    CFrameFork m_feedAndRecorder{m_feed, m_recorder};
+    std::unique_ptr<CTalkSink> m_talk;
+    std::unique_ptr<CCameraStreams> m_streams;
 
-    // The library's threads ask for key frames while the main thread replaces the pipeline.
+    // The library's threads ask for key frames and change settings while the main thread replaces the pipeline. Taken
+    // behind the device's lock.
     std::mutex m_mediaLock;
     std::unique_ptr<CMediaPipeline> m_media;
 
+    NETNS::DEV_PORT_INFO m_ports = {}; // that are served
+    std::string m_rtspPortText;        // as web pages have it
     std::atomic<bool> m_rebootWanted{false};
+    std::atomic<bool> m_rtspRestartWanted{false};
+    std::atomic<std::uint64_t> m_lastPictureUs{0};
     std::atomic<Clock::rep> m_lastOpen[STREAM_COUNT] = {}; // 0: no key frame is owed
     std::optional<Clock::time_point> m_restartMediaAt;
     Clock::time_point m_nextClientWatch{};
     bool m_readyPrinted = false;
     bool m_connected = true; // whether the last look found a client
+
+    std::unique_ptr<CCameraDevice> m_device; // last: it uses all of the above
 };

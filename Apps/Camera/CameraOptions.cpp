@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <map>
 #include <ostream>
 #include <set>
 #include <utility>
@@ -24,6 +25,7 @@ struct RawArguments
     std::string size = "1280x720";
     std::vector<std::string> users;
     bool noRtspAuth = false;
+    std::string ptz = "both";
 };
 
 bool StartsWith(const std::string& text, const char* prefix)
@@ -184,6 +186,21 @@ std::string TakeUsers(const std::vector<std::string>& texts, CameraOptions& opti
     return {};
 }
 
+std::string TakePtz(const std::string& text, CameraOptions& options)
+{
+    static const std::map<std::string, PtzSupport> KINDS = {{"none", PtzSupport::None},
+                                                            {"integrated", PtzSupport::Integrated},
+                                                            {"rs485", PtzSupport::Rs485},
+                                                            {"both", PtzSupport::Both}};
+    const auto found = KINDS.find(text);
+    if (found == KINDS.end())
+    {
+        return "--ptz: '" + text + "' is none of none, integrated, rs485, both";
+    }
+    options.ptz = found->second;
+    return {};
+}
+
 std::string CheckTheRest(const CameraOptions& options)
 {
     if (options.httpPort == options.rtspPort)
@@ -209,6 +226,10 @@ std::string TakeAll(const RawArguments& raw, CameraOptions& options)
     {
         problem = TakeUsers(raw.users, options);
     }
+    if (problem.empty())
+    {
+        problem = TakePtz(raw.ptz, options);
+    }
     return problem.empty() ? CheckTheRest(options) : problem;
 }
 
@@ -228,7 +249,7 @@ void Describe(CLI::App& app, CameraOptions& options, RawArguments& raw)
         ->type_name("DIR")
         ->group("Network");
     app.add_option("--data-dir", options.dataDir,
-                   "Directory of the settings; made when missing\n[~/.local/state/netserver-camera]")
+                   "Directory of the settings and recordings; made when missing\n[~/.local/state/netserver-camera]")
         ->type_name("DIR")
         ->group("Network");
 
@@ -261,12 +282,28 @@ void Describe(CLI::App& app, CameraOptions& options, RawArguments& raw)
         ->capture_default_str()
         ->group("Pictures");
 
+    app.add_option("--ptz", raw.ptz, "Kinds of PTZ head: none | integrated | rs485 | both")
+        ->type_name("KIND")
+        ->capture_default_str()
+        ->group("Pictures");
+    app.add_option("--record-limit", options.recordLimit,
+                   "Space for recordings, the oldest make room; 0 records nothing")
+        ->type_name("MB")
+        ->check(CLI::Range(0, 1000000).description(""))
+        ->capture_default_str()
+        ->group("Pictures");
+
+    app.add_option("--talk-out", options.talkOut, "Write what clients say to a WAV file, in place of playing it")
+        ->type_name("FILE")
+        ->group("Clients");
     app.add_option("--user", raw.users, "A user who may log in; repeatable, up to 7 times\n[admin:admin]")
         ->type_name("NAME:PASSWORD")
         ->allow_extra_args(false)
         ->group("Clients");
     app.add_flag("--no-rtsp-auth", raw.noRtspAuth, "RTSP clients need not log in")->group("Clients");
     app.add_flag("--compat", options.compat, "Keep the RTSP oddities that old clients may lean on")->group("Clients");
+    app.add_flag("--announce", options.announce, "Announce the camera over UPnP, with its description on port 33899")
+        ->group("Clients");
 }
 
 } // namespace

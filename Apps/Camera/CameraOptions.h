@@ -14,6 +14,15 @@ enum class SourceKind
     Rtsp, ///< another camera
 };
 
+/// Which kinds of PTZ head the camera says it has. Clients get at the PTZ commands only when it has both.
+enum class PtzSupport
+{
+    None,
+    Integrated,
+    Rs485,
+    Both,
+};
+
 struct CameraUser
 {
     std::string name;
@@ -37,6 +46,10 @@ struct CameraOptions
     bool rtspAuth = true;
     unsigned int channels = 1;
     bool compat = false;
+    bool announce = false; ///< over UPnP
+    PtzSupport ptz = PtzSupport::Both;
+    unsigned int recordLimit = 1024; ///< MB that recordings may take; 0: nothing is recorded
+    std::string talkOut;             ///< WAV file for clients' speech; empty: it is played
 };
 
 /// RTSP logins fail for everybody once a device reports eight users.

@@ -2,6 +2,7 @@
 
 #include "Camera.h"
 #include "CameraOptions.h"
+#include "PictureElement.h"
 
 #include <gst/gst.h>
 
@@ -9,6 +10,7 @@
 #include <iostream>
 
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -52,8 +54,10 @@ int main(int argc, char** argv)
         break;
     }
     const sigset_t stopSignals = TakeSignals();
+    umask(077); // settings, recordings and speech are nobody else's
     const int readyFd = SetStandardOutputApart();
     gst_init(nullptr, nullptr);
+    RegisterPictureElement();
     CCamera camera(options, stopSignals);
     return camera.Run(readyFd);
 }

@@ -1,8 +1,8 @@
 // netserver-bench-host: serves one H.264 file at its frame rate, looped, without an encoder.
 //
 // The main thread waits for the end; one thread feeds the frames.
+#include "BenchDevice.h"
 #include "BenchTools.h"
-#include "DefaultHost.h"
 #include "FrameStamp.h"
 #include "H264File.h"
 #include "LocalPorts.h"
@@ -31,12 +31,13 @@ constexpr unsigned int AUDIO_CHUNK_MS = 40;
 constexpr std::size_t AUDIO_CHUNK_BYTES = 320; // 40 ms at 8000 Hz
 
 const char USAGE[] = "usage: netserver-bench-host --file FILE [--fps N] --http-port N --rtsp-port N\n"
-                     "                            [--audio] [--no-rtsp-auth] [--compat] [--stamp]\n"
+                     "                            [--audio] [--no-rtsp-auth] [--compat] [--stamp] [--announce]\n"
                      "  --file FILE      H.264 in Annex B form, one slice a picture; served as /live/ch1/main\n"
                      "  --fps N          its frame rate (25)\n"
                      "  --audio          a G.711 A-law track of silence\n"
                      "  --no-rtsp-auth   RTSP without a login (otherwise admin:admin)\n"
                      "  --compat         without the policy of standard RTSP\n"
+                     "  --announce       announce the host over UPnP\n"
                      "  --stamp          write the time into each frame, for the latency benchmark\n";
 
 struct Options
@@ -48,35 +49,16 @@ struct Options
     bool audio = false;
     bool auth = true;
     bool compat = false;
+    bool announce = false;
     bool stamp = false;
 };
 
-class Device : public CDefaultDevice
+class Device : public BenchDevice
 {
 public:
     explicit Device(bool auth) : m_auth(auth) {}
 
     bool NeedAuthorization() override { return m_auth; }
-
-    NETNS::DEV_RET GetUserList(NETNS::DEV_USER_INFO* list, int, int& count) override
-    {
-        snprintf(list[0].userName, sizeof(list[0].userName), "admin");
-        snprintf(list[0].password, sizeof(list[0].password), "admin");
-        count = 1;
-        return NETNS::DEV_RET_OK;
-    }
-
-    NETNS::DEV_RET GetDevInfo(const char*, NETNS::DEV_DEVICE_INFO* info) override
-    {
-        snprintf(info->model, sizeof(info->model), "Bench");
-        snprintf(info->brand, sizeof(info->brand), "Netserver");
-        snprintf(info->description, sizeof(info->description), "Benchmark host");
-        snprintf(info->softwareVersion, sizeof(info->softwareVersion), "1.0");
-        info->softwareBuildDate = {2024, 1, 1};
-        snprintf(info->kernelVersion, sizeof(info->kernelVersion), "1.0");
-        snprintf(info->hardwareVersion, sizeof(info->hardwareVersion), "1.0");
-        return NETNS::DEV_RET_OK;
-    }
 
 private:
     const bool m_auth;
@@ -178,15 +160,11 @@ private:
 Options ReadOptions(int argc, char** argv)
 {
     static const option OPTIONS[] = {
-        {"file", required_argument, nullptr, 'f'},
-        {"fps", required_argument, nullptr, 'r'},
-        {"http-port", required_argument, nullptr, 'h'},
-        {"rtsp-port", required_argument, nullptr, 'p'},
-        {"audio", no_argument, nullptr, 'a'},
-        {"no-rtsp-auth", no_argument, nullptr, 'n'},
-        {"compat", no_argument, nullptr, 'c'},
-        {"stamp", no_argument, nullptr, 's'},
-        {nullptr, 0, nullptr, 0},
+        {"file", required_argument, nullptr, 'f'},      {"fps", required_argument, nullptr, 'r'},
+        {"http-port", required_argument, nullptr, 'h'}, {"rtsp-port", required_argument, nullptr, 'p'},
+        {"audio", no_argument, nullptr, 'a'},           {"no-rtsp-auth", no_argument, nullptr, 'n'},
+        {"compat", no_argument, nullptr, 'c'},          {"announce", no_argument, nullptr, 'A'},
+        {"stamp", no_argument, nullptr, 's'},           {nullptr, 0, nullptr, 0},
     };
     Options options;
     int letter = 0;
@@ -214,6 +192,9 @@ Options ReadOptions(int argc, char** argv)
             break;
         case 'c':
             options.compat = true;
+            break;
+        case 'A':
+            options.announce = true;
             break;
         case 's':
             options.stamp = true;
@@ -273,8 +254,9 @@ int main(int argc, char** argv)
     CDefaultStreams streams;
     const WebRoot webRoot;
     const std::string configFile = std::string(webRoot.Path()) + "/config.xml";
-    NET_SERVER_SetPolicy(options.compat ? 0 : NET_POLICY_STANDARD_RTSP);
-    NET_SERVER_Initial(1, 0, 0, &device, &streams, "", "", 1, NETNS::DEV_TYPE_DEFAULT);
+    NET_SERVER_SetPolicy((options.compat ? 0 : NET_POLICY_STANDARD_RTSP) |
+                         (options.announce ? 0 : NET_POLICY_NO_ANNOUNCE));
+    NET_SERVER_Initial(2, 2, 4, &device, &streams, "", "", 1, NETNS::DEV_TYPE_DEFAULT);
     NET_SERVER_Start(httpPort, webRoot.Path(), configFile.c_str());
     NET_SERVER_RTSPStart(rtspPort, &streams, &device);
     NET_SERVER_SetLiveRTSPUrl(CHANNEL, STREAM, "/live/ch1/main");

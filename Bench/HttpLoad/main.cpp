@@ -17,23 +17,46 @@
 
 namespace
 {
-const char USAGE[] = "usage: netserver-bench-httpload --port N --path PATH [--clients N] [--seconds N]\n"
+const char USAGE[] = "usage: netserver-bench-httpload --port N (--path PATH | --mix) [--clients N] [--seconds N]\n"
+                     "  --mix  reads and writes of the XML API in turn, in place of one path\n"
                      "                                [--server-pid PID] [--basic BASE64]\n";
 
 struct Options
 {
     unsigned short port = 0;
-    std::string path;
+    std::string path; // empty: the mix
+    bool mix = false;
     std::string basic; // credentials, empty: none
     unsigned int clients = 8;
     unsigned int seconds = 5;
     pid_t serverPid = 0;
 };
 
+// Reads and writes of a client that shows a camera's pages and changes its settings.
+const struct
+{
+    const char* path;
+    const char* body; // null: a GET
+} MIX[] = {
+    {"/GetImageConfig", nullptr},
+    {"/SetImageConfig", "<config><image><bright>60</bright><flipSwitch>true</flipSwitch></image></config>"},
+    {"/GetAlarmStatus", nullptr},
+    {"/GetStreamCaps", nullptr},
+    {"/GetVideoStreamConfig", nullptr},
+    {"/SetVideoStreamConfig", "<config><streams><item id=\"0\"><frameRate>20</frameRate></item></streams></config>"},
+    {"/GetDeviceInfo", nullptr},
+    {"/GetMotionConfig", nullptr},
+    {"/SetMotionConfig", "<config><motion><switch>true</switch><sensitivity>5</sensitivity></motion></config>"},
+    {"/GetNetBasicConfig", nullptr},
+    {"/SetNetBasicConfig", "<config><tcpIp><dnsServer1>10.0.0.1</dnsServer1></tcpIp></config>"},
+    {"/GetAlarmServerConfig", nullptr},
+};
+
 struct Connection
 {
     int fd = -1;
     std::uint64_t startNs = 0;
+    const std::string* request = nullptr; // of the load's own
     bool requested = false;
     std::size_t received = 0;
     char status[13] = ""; // "HTTP/1.x 200"
@@ -46,10 +69,13 @@ public:
     explicit Load(const Options& options) : m_options(options), m_epoll(epoll_create1(EPOLL_CLOEXEC))
     {
         Require(m_epoll != -1, "epoll");
-        m_request = "GET " + options.path + " HTTP/1.1\r\nHost: 127.0.0.1\r\n";
-        if (!options.basic.empty())
-            m_request += "Authorization: Basic " + options.basic + "\r\n";
-        m_request += "\r\n";
+        if (!options.mix)
+            m_requests.push_back(Request(options.path, nullptr));
+        for (const auto& row : MIX)
+        {
+            if (options.mix)
+                m_requests.push_back(Request(row.path, row.body));
+        }
     }
 
     void Run(unsigned int seconds)
@@ -73,9 +99,20 @@ public:
     std::size_t AnswerBytes() const { return m_answerBytes; }
 
 private:
+    std::string Request(const std::string& path, const char* body) const
+    {
+        std::string request = (body == nullptr ? "GET " : "POST ") + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\n";
+        if (!m_options.basic.empty())
+            request += "Authorization: Basic " + m_options.basic + "\r\n";
+        if (body != nullptr)
+            request += "Content-Length: " + std::to_string(strlen(body)) + "\r\n";
+        return request + "\r\n" + (body != nullptr ? body : "");
+    }
+
     void Open()
     {
         auto* connection = new Connection();
+        connection->request = &m_requests[m_opened++ % m_requests.size()];
         connection->startNs = NowNs();
         connection->fd = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
         Require(connection->fd != -1, "socket");
@@ -96,8 +133,9 @@ private:
     {
         if (!connection.requested)
         {
-            if (send(connection.fd, m_request.data(), m_request.size(), MSG_NOSIGNAL) !=
-                static_cast<ssize_t>(m_request.size()))
+            const std::string& request = *connection.request;
+            if (send(connection.fd, request.data(), request.size(), MSG_NOSIGNAL) !=
+                static_cast<ssize_t>(request.size()))
                 return Close(connection);
             connection.requested = true;
             epoll_event event = {};
@@ -133,7 +171,8 @@ private:
 
     const Options& m_options;
     const int m_epoll;
-    std::string m_request;
+    std::vector<std::string> m_requests; // taken in turn
+    std::size_t m_opened = 0;
     unsigned int m_open = 0;
     unsigned int m_failed = 0;
     std::size_t m_answerBytes = 0;
@@ -145,6 +184,7 @@ Options ReadOptions(int argc, char** argv)
     static const option OPTIONS[] = {
         {"port", required_argument, nullptr, 'p'},
         {"path", required_argument, nullptr, 'u'},
+        {"mix", no_argument, nullptr, 'm'},
         {"clients", required_argument, nullptr, 'c'},
         {"seconds", required_argument, nullptr, 's'},
         {"basic", required_argument, nullptr, 'b'},
@@ -163,6 +203,9 @@ Options ReadOptions(int argc, char** argv)
         case 'u':
             options.path = optarg;
             break;
+        case 'm':
+            options.mix = true;
+            break;
         case 'c':
             options.clients = NumberOption("clients", optarg);
             break;
@@ -176,11 +219,11 @@ Options ReadOptions(int argc, char** argv)
             options.serverPid = static_cast<pid_t>(NumberOption("server-pid", optarg));
             break;
         default:
-            options.path.clear();
+            options.port = 0;
             break;
         }
     }
-    if (options.port == 0 || options.path.empty() || options.clients == 0)
+    if (options.port == 0 || options.path.empty() != options.mix || options.clients == 0)
     {
         fputs(USAGE, stderr);
         exit(2);
@@ -195,6 +238,7 @@ int main(int argc, char** argv)
     RaiseDescriptorLimit();
     Load load(options);
     load.Run(1);
+    const std::uint64_t memoryBefore = ResidentKb(options.serverPid);
     const std::uint64_t cpuBefore = CpuOfProcessUs(options.serverPid);
     load.Run(options.seconds);
     const auto cpuUs = static_cast<double>(CpuOfProcessUs(options.serverPid) - cpuBefore);
@@ -207,5 +251,8 @@ int main(int argc, char** argv)
     PrintFigure("requests_per_cpu_second", cpuUs == 0 ? 0 : answered * 1e6 / cpuUs);
     PrintFigure("p50_ms", Percentile(load.TimesMs(), 0.50));
     PrintFigure("p99_ms", Percentile(load.TimesMs(), 0.99));
+    PrintFigure("server_kb", static_cast<double>(ResidentKb(options.serverPid)));
+    PrintFigure("server_grown_kb",
+                static_cast<double>(ResidentKb(options.serverPid)) - static_cast<double>(memoryBefore));
     return 0;
 }

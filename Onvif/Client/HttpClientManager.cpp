@@ -1,5 +1,7 @@
 #include "HttpClientManager.h"
 
+#include "OnvifEventCtrol.h"
+
 namespace
 {
 
@@ -26,11 +28,13 @@ CHttpClientManager::~CHttpClientManager()
 
 bool CHttpClientManager::Init()
 {
+    COnvifEventCtrol::Instance().Start(NOTIFICATION_PORT);
     return true;
 }
 
 bool CHttpClientManager::Quit()
 {
+    COnvifEventCtrol::Instance().Stop();
     return true;
 }
 
@@ -131,13 +135,24 @@ bool CHttpClientManager::SetCfg(unsigned int token, const std::string& request, 
 }
 
 // An unknown token counts as a device that takes subscriptions, at no address.
-bool CHttpClientManager::AddAlarmStateObserver(unsigned int /*token*/, CONVIFAlarmStateObserver* /*observer*/)
+bool CHttpClientManager::AddAlarmStateObserver(unsigned int token, CONVIFAlarmStateObserver* observer)
 {
+    std::string ip;
+    bool subscription = true;
+    bool pullPoint = false;
+    if (CHttpClient* const client = GetClient(token))
+    {
+        ip = client->GetIP();
+        client->GetEventMode(subscription, pullPoint);
+        ReleaseClient(token);
+    }
+    COnvifEventCtrol::Instance().AddObserver(token, observer, ip, subscription, pullPoint);
     return true;
 }
 
-bool CHttpClientManager::DelAlarmStateObserver(unsigned int /*token*/)
+bool CHttpClientManager::DelAlarmStateObserver(unsigned int token)
 {
+    COnvifEventCtrol::Instance().DelObserver(token);
     return true;
 }
 

@@ -1,9 +1,10 @@
 #include "NetServer.h"
 
 #include "HttpDataPacket.h"
+#include "HttpExchange.h"
 #include "HttpProtocolAnalyse.h"
+#include "NetServerConfig.h"
 #include "NetServerDataProc.h"
-#include "PFHelper.h"
 #include "ShareSDK.h"
 
 #include <exception>
@@ -13,42 +14,7 @@ namespace
 
 constexpr int POOL_THREADS = 2;
 constexpr int MAX_POOL_THREADS = 4;
-constexpr int READ_BYTES = 4095;
-
-/// Bounds the waits of one message by the time that they take together, however often bytes end them early.
-class CReadBudget
-{
-public:
-    /// Waits for bytes. @return false when the budget is used up
-    bool Wait(int handle)
-    {
-        if (m_waitedMs >= CNetServer::READ_BUDGET_MS)
-        {
-            return false;
-        }
-        const unsigned int begin = CPFHelper::GetTickCount();
-        NET_SOCKET_WaitRecv(handle, CNetServer::READ_BUDGET_MS - m_waitedMs);
-        m_lastWaitMs = CPFHelper::GetTickCount() - begin;
-        m_waitedMs += m_lastWaitMs;
-        return true;
-    }
-
-    /// A read brought nothing. A wait that ended at once for nothing counts too, so that none goes on for ever.
-    void NoteEmptyRead()
-    {
-        if (m_waits && m_lastWaitMs == 0)
-        {
-            ++m_waitedMs;
-        }
-        m_waits = true;
-    }
-    void NoteBytes() { m_waits = false; }
-
-private:
-    unsigned int m_waitedMs = 0;
-    unsigned int m_lastWaitMs = 0;
-    bool m_waits = false; ///< the read before brought nothing either
-};
+constexpr HTTP_READ_LIMITS READ_LIMITS = {HTTP_READ_BYTES_MAX, CNetServer::READ_BUDGET_MS};
 
 } // namespace
 
@@ -65,13 +31,14 @@ int CNetServer::Initial(unsigned int /*channels*/, CDevInterface* /*dev*/, unsig
     return 1;
 }
 
-int CNetServer::start(unsigned short port, const char* webRoot, const char* /*cfgFile*/)
+int CNetServer::start(unsigned short port, const char* webRoot, const char* cfgFile)
 {
     if (port == 0)
     {
         SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
     }
     Stop();
+    CNetServerCfg::Instance().Initial(cfgFile);
     Listen(port);
     CNetServerDataProc::Instance().Start(webRoot);
     return 0;
@@ -180,62 +147,16 @@ void CNetServer::Serve(int handle)
     ReplyExecute(handle, response);
 }
 
-/// Reads one message. @return false when the peer closes, falls silent or never ends its header
+/// @return false when the peer closes, falls silent or never ends its header
 bool CNetServer::GetAcceptHttp(int handle, CHttpDataPacket& packet)
 {
-    char buffer[READ_BYTES + 1];
-    CReadBudget budget;
-    for (;;)
-    {
-        bool broken = false;
-        const int count = NET_SOCKET_Recv_Immediate(handle, buffer, READ_BYTES, &broken);
-        if (broken)
-        {
-            return false; // bytes that came with the news are dropped
-        }
-        if (count <= 0)
-        {
-            budget.NoteEmptyRead();
-            if (!budget.Wait(handle))
-            {
-                return false;
-            }
-            continue;
-        }
-        budget.NoteBytes();
-        packet.PushBack(buffer, static_cast<unsigned int>(count));
-        if (packet.IsComplete())
-        {
-            return true;
-        }
-        if (packet.IsHeaderTooLong())
-        {
-            return false;
-        }
-    }
+    return ReadHttpMessage(handle, READ_LIMITS, packet);
 }
 
-/// Sends the response, for as long as the peer takes to read it, and closes. @return 1
+/// Sends the response and closes. @return 1
 int CNetServer::ReplyExecute(int handle, const CHttpProtocolAnalyse& response)
 {
-    int remaining = 0;
-    const char* cursor = response.GetBuf(remaining);
-    if (cursor == nullptr || remaining <= 0)
-    {
-        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
-    }
-    bool broken = false;
-    while (remaining > 0 && !broken)
-    {
-        const int sent = NET_SOCKET_Send_Last(handle, cursor, remaining, broken);
-        if (sent <= 0)
-        {
-            continue;
-        }
-        cursor += sent;
-        remaining -= sent;
-    }
-    NET_SOCKET_DestroyHNetCommunication(handle);
+    SendHttpMessageAndEnd(handle, response);
     return 1;
 }
 

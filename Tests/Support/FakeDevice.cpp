@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <sstream>
+#include <type_traits>
 
 namespace
 {
@@ -22,6 +24,160 @@ template <size_t SIZE>
 void SetText(char (&field)[SIZE], const std::string& text)
 {
     std::snprintf(field, SIZE, "%s", text.c_str());
+}
+
+// Values and records as the call log shows them: the fields in their order.
+template <typename NUMBER, std::enable_if_t<std::is_arithmetic_v<NUMBER>, int> = 0>
+std::string Shown(NUMBER number)
+{
+    return std::to_string(number);
+}
+
+std::string Shown(const char* text)
+{
+    return "\"" + std::string(text) + "\"";
+}
+
+std::string Shown(const std::string& text)
+{
+    return text;
+}
+
+template <typename VALUE>
+std::string ShownField(const VALUE& field)
+{
+    // A text may fill its field without a zero byte.
+    if constexpr (std::is_array_v<VALUE>)
+        return "\"" + std::string(field, strnlen(field, sizeof(field))) + "\"";
+    else
+        return Shown(field);
+}
+
+template <typename... VALUES>
+std::string Braced(const VALUES&... values)
+{
+    std::string text;
+    ((text += (text.empty() ? "{" : " ") + ShownField(values)), ...);
+    return text + "}";
+}
+
+std::string Shown(const NETNS::DEV_TIME_CONFIG& config)
+{
+    return Braced(config.synchronizeType, config.ntpServer, config.timeZone, config.daylightSwitch);
+}
+
+std::string Shown(const NETNS::DEV_DATETIME& time)
+{
+    return Braced(time.date.year, time.date.month, time.date.day, time.time.hour, time.time.minute, time.time.second);
+}
+
+std::string Shown(const NETNS::DEV_IMAGE_PARAM& image)
+{
+    return Braced(image.frequency, image.bright, image.contrast, image.hue, image.saturation, image.mirrorSwitch,
+                  image.flipSwitch, image.irisSwitch, image.sharpenSwitch, image.sharpenValue, image.denoiseValue,
+                  image.denoiseSwitch, image.whiteBalanceMode, image.red, image.blue, image.wdrSwitch, image.wdrValue,
+                  image.irCutMode);
+}
+
+std::string Shown(const NETNS::DEV_VIDEO_PROFILE& profile)
+{
+    return Braced(profile.width, profile.height, profile.frameRate, profile.maxBitRate, profile.quality,
+                  profile.encodeType, profile.encodeLevel, profile.gop);
+}
+
+std::string Shown(const NETNS::DEV_TIME_OSD& osd)
+{
+    return Braced(osd.osdSwitch, osd.x, osd.y, osd.dateFormat);
+}
+
+std::string Shown(const NETNS::DEV_CHANNEL_NAME_OSD& osd)
+{
+    return Braced(osd.osdSwitch, osd.x, osd.y, osd.name);
+}
+
+std::string Shown(const NETNS::DEV_PRIVACY_MASK& mask)
+{
+    return Braced(mask.maskSwitch, mask.x, mask.y, mask.width, mask.height, mask.color);
+}
+
+std::string Shown(const NETNS::DEV_PTZ_PROTOCOL& protocol)
+{
+    return Braced(protocol.baudRate, protocol.protocol, protocol.address);
+}
+
+std::string Shown(const NETNS::DEV_PTZ_CRUISE_POINT& point)
+{
+    return Braced(point.presetId, point.name, point.speed, point.holdTime);
+}
+
+template <typename ROW>
+std::string Rows(const ROW* list, int count)
+{
+    std::string text = "[";
+    for (int i = 0; i < count; ++i)
+    {
+        text += Shown(list[i]);
+    }
+    return text + "]";
+}
+
+std::string Cells(const NETNS::DEV_MOTION_CONFIG& config)
+{
+    std::string text = "[";
+    for (const NETNS::DEV_MOTION_ROW& row : config.area)
+    {
+        text += (text.size() > 1 ? " " : "") + Shown(row.cells);
+    }
+    return text + "]";
+}
+
+std::string Ids(const std::uint32_t* ids, std::uint32_t count)
+{
+    std::string text = "[";
+    for (std::uint32_t i = 0; i < count; ++i)
+    {
+        text += (i > 0 ? " " : "") + Shown(ids[i]);
+    }
+    return text + "]";
+}
+
+std::string Shown(const NETNS::DEV_MOTION_CONFIG& config)
+{
+    return Braced(config.motionSwitch, config.alarmHoldTime, config.sensitivity, Cells(config), config.columns,
+                  config.rows, Ids(config.alarmOuts, config.alarmOutCount));
+}
+
+std::string Shown(const NETNS::DEV_SENSOR_CONFIG& config)
+{
+    return Braced(config.id, config.name, config.sensorSwitch, config.voltage, config.alarmHoldTime,
+                  Ids(config.alarmOuts, config.alarmOutCount));
+}
+
+std::string Shown(const NETNS::DEV_ALARM_OUT_CONFIG& config)
+{
+    return Braced(config.id, config.name, config.alarmHoldTime);
+}
+
+std::string Shown(const NETNS::DEV_NET_BASIC& config)
+{
+    return Braced(config.ipSettingMode, config.staticIp, config.staticIpRoute, config.staticIpMask,
+                  config.dnsFromDhcpSwitch, config.dnsServer1, config.dnsServer2);
+}
+
+std::string Shown(const NETNS::DEV_PPPOE& config)
+{
+    return Braced(config.pppoeSwitch, config.userName, config.password);
+}
+
+std::string Shown(const NETNS::DEV_PORT_INFO& info)
+{
+    return Braced(info.httpPort, info.netPort, info.rtspPort);
+}
+
+std::string Shown(const NETNS::DEV_DDNS& config)
+{
+    return Braced(config.ddnsSwitch, config.serverType, config.userName, config.password, config.domainName,
+                  config.serverName);
 }
 
 // The text between two tags; empty when it is not there.
@@ -50,6 +206,19 @@ std::vector<std::string> CFakeDevice::CallOrder() const
 {
     Guard guard(m_mutex);
     return m_calls;
+}
+
+std::vector<std::string> CFakeDevice::CallLog() const
+{
+    Guard guard(m_mutex);
+    return m_log;
+}
+
+void CFakeDevice::ForgetCalls()
+{
+    Guard guard(m_mutex);
+    m_calls.clear();
+    m_log.clear();
 }
 
 std::string CFakeDevice::LastVerify() const
@@ -88,6 +257,7 @@ void CFakeDevice::AddUser(const std::string& name, const std::string& password)
 NETNS::DEV_RET CFakeDevice::Enter(const char* operation)
 {
     m_calls.emplace_back(operation);
+    m_log.emplace_back(operation);
     const auto row = results.find(operation);
     return row != results.end() ? row->second : NETNS::DEV_RET_OK;
 }
@@ -102,7 +272,25 @@ NETNS::DEV_RET CFakeDevice::Enter(const char* operation, const char* verify)
 NETNS::DEV_RET CFakeDevice::Enter(const char* operation, const char* verify, unsigned int chn)
 {
     m_lastChannel = chn;
-    return Enter(operation, verify);
+    const NETNS::DEV_RET result = Enter(operation, verify);
+    Note(chn);
+    return result;
+}
+
+template <typename... VALUES>
+void CFakeDevice::Note(const VALUES&... values)
+{
+    std::ostringstream text;
+    ((text << ' ' << Shown(values)), ...);
+    m_log.back() += text.str();
+}
+
+template <typename ROW>
+int CFakeDevice::Report(const char* operation, const std::vector<ROW>& rows, ROW* out, int max) const
+{
+    const int count = Copy(rows, out, max);
+    const auto reported = counts.find(operation);
+    return reported != counts.end() ? reported->second : count;
 }
 
 bool CFakeDevice::IsUser(const std::string& verify) const
@@ -198,7 +386,7 @@ NETNS::DEV_RET CFakeDevice::GetUserList(NETNS::DEV_USER_INFO* list, int max, int
     const NETNS::DEV_RET result = Enter("GetUserList");
     if (result == NETNS::DEV_RET_OK)
     {
-        count = Copy(users, list, max);
+        count = Report("GetUserList", users, list, max);
     }
     return result;
 }
@@ -229,6 +417,7 @@ NETNS::DEV_RET CFakeDevice::SetTimeConfig(const char* verify, const NETNS::DEV_T
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetTimeConfig", verify);
+    Note(*config);
     if (result == NETNS::DEV_RET_OK)
     {
         timeConfig = *config;
@@ -240,6 +429,7 @@ NETNS::DEV_RET CFakeDevice::SetDateTime(const char* verify, const NETNS::DEV_DAT
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetDateTime", verify);
+    Note(*time);
     if (result == NETNS::DEV_RET_OK)
     {
         dateTime = *time;
@@ -273,6 +463,7 @@ NETNS::DEV_RET CFakeDevice::SetImageParam(const char* verify, unsigned int chn, 
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetImageParam", verify, chn);
+    Note(*param);
     if (result == NETNS::DEV_RET_OK)
     {
         imageParam = *param;
@@ -286,26 +477,28 @@ NETNS::DEV_RET CFakeDevice::ImageReserved()
     return Enter("ImageReserved");
 }
 
-NETNS::DEV_RET CFakeDevice::GetVideoEncodeCaps(const char* verify, unsigned int chn, int /*profile*/,
+NETNS::DEV_RET CFakeDevice::GetVideoEncodeCaps(const char* verify, unsigned int chn, int profile,
                                                NETNS::DEV_VIDEO_ENCODE_CAPS* caps)
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("GetVideoEncodeCaps", verify, chn);
+    Note(profile);
     if (result == NETNS::DEV_RET_OK)
     {
-        *caps = videoCaps;
+        *caps = videoCaps[profile];
     }
     return result;
 }
 
-NETNS::DEV_RET CFakeDevice::GetProfileName(const char* verify, unsigned int chn, int /*profile*/, char* name, int size,
+NETNS::DEV_RET CFakeDevice::GetProfileName(const char* verify, unsigned int chn, int profile, char* name, int size,
                                            int& len)
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("GetProfileName", verify, chn);
+    Note(profile);
     if (result == NETNS::DEV_RET_OK)
     {
-        len = std::snprintf(name, static_cast<size_t>(size), "%s", profileName.c_str());
+        len = std::snprintf(name, static_cast<size_t>(size), "%s", profileNames[profile].c_str());
     }
     return result;
 }
@@ -315,6 +508,7 @@ int CFakeDevice::GetProfileCount(unsigned int chn)
     Guard guard(m_mutex);
     m_lastChannel = chn;
     Enter("GetProfileCount");
+    Note(chn);
     return profileCount;
 }
 
@@ -323,6 +517,7 @@ bool CFakeDevice::SupportAudioEncode(unsigned int chn, int type)
     Guard guard(m_mutex);
     m_lastChannel = chn;
     Enter("SupportAudioEncode");
+    Note(chn, type);
     return audioType == type;
 }
 
@@ -330,6 +525,7 @@ NETNS::DEV_RET CFakeDevice::SetAudioEncode(const char* verify, unsigned int chn,
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetAudioEncode", verify, chn);
+    Note(type);
     if (result == NETNS::DEV_RET_OK)
     {
         audioType = type;
@@ -337,26 +533,28 @@ NETNS::DEV_RET CFakeDevice::SetAudioEncode(const char* verify, unsigned int chn,
     return result;
 }
 
-NETNS::DEV_RET CFakeDevice::GetVideoProfile(const char* verify, unsigned int chn, int /*profile*/,
+NETNS::DEV_RET CFakeDevice::GetVideoProfile(const char* verify, unsigned int chn, int profile,
                                             NETNS::DEV_VIDEO_PROFILE* config)
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("GetVideoProfile", verify, chn);
+    Note(profile);
     if (result == NETNS::DEV_RET_OK)
     {
-        *config = videoProfile;
+        *config = videoProfiles[profile];
     }
     return result;
 }
 
-NETNS::DEV_RET CFakeDevice::SetVideoProfile(const char* verify, unsigned int chn, int /*profile*/,
+NETNS::DEV_RET CFakeDevice::SetVideoProfile(const char* verify, unsigned int chn, int profile,
                                             const NETNS::DEV_VIDEO_PROFILE* config)
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetVideoProfile", verify, chn);
+    Note(profile, *config);
     if (result == NETNS::DEV_RET_OK)
     {
-        videoProfile = *config;
+        videoProfiles[profile] = *config;
     }
     return result;
 }
@@ -400,6 +598,7 @@ NETNS::DEV_RET CFakeDevice::SetTimeOsd(const char* verify, unsigned int chn, NET
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetTimeOsd", verify, chn);
+    Note(osd);
     if (result == NETNS::DEV_RET_OK)
     {
         timeOsd = osd;
@@ -411,6 +610,7 @@ NETNS::DEV_RET CFakeDevice::SetChannelNameOsd(const char* verify, unsigned int c
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetChannelNameOsd", verify, chn);
+    Note(osd);
     if (result == NETNS::DEV_RET_OK)
     {
         channelNameOsd = osd;
@@ -425,7 +625,7 @@ NETNS::DEV_RET CFakeDevice::GetPrivacyMask(const char* verify, unsigned int chn,
     const NETNS::DEV_RET result = Enter("GetPrivacyMask", verify, chn);
     if (result == NETNS::DEV_RET_OK)
     {
-        count = Copy(privacyMasks, list, max);
+        count = Report("GetPrivacyMask", privacyMasks, list, max);
     }
     return result;
 }
@@ -435,6 +635,7 @@ NETNS::DEV_RET CFakeDevice::SetPrivacyMask(const char* verify, unsigned int chn,
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetPrivacyMask", verify, chn);
+    Note(Rows(list, count));
     if (result == NETNS::DEV_RET_OK)
     {
         privacyMasks.assign(list, list + count);
@@ -480,6 +681,7 @@ NETNS::DEV_RET CFakeDevice::SetPtzProtocol(const char* verify, unsigned int chn,
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetPtzProtocol", verify, chn);
+    Note(*protocol);
     if (result == NETNS::DEV_RET_OK)
     {
         ptzProtocol = *protocol;
@@ -491,16 +693,16 @@ NETNS::DEV_RET CFakeDevice::PtzControl(const char* verify, unsigned int chn, int
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("PtzControl", verify, chn);
-    lastPtzCommand = command;
-    lastPtzSpeed = speed;
+    Note(command, speed);
     return result;
 }
 
 NETNS::DEV_RET CFakeDevice::PtzGotoPreset(const char* verify, unsigned int chn, int index)
 {
     Guard guard(m_mutex);
-    lastPtzIndex = index;
-    return Enter("PtzGotoPreset", verify, chn);
+    const NETNS::DEV_RET result = Enter("PtzGotoPreset", verify, chn);
+    Note(index);
+    return result;
 }
 
 NETNS::DEV_RET CFakeDevice::PtzGetPresets(const char* verify, unsigned int chn, NETNS::DEV_PTZ_PRESET* list, int max,
@@ -510,7 +712,7 @@ NETNS::DEV_RET CFakeDevice::PtzGetPresets(const char* verify, unsigned int chn, 
     const NETNS::DEV_RET result = Enter("PtzGetPresets", verify, chn);
     if (result == NETNS::DEV_RET_OK)
     {
-        count = Copy(presets, list, max);
+        count = Report("PtzGetPresets", presets, list, max);
     }
     return result;
 }
@@ -524,30 +726,33 @@ NETNS::DEV_RET CFakeDevice::PtzReserved()
 NETNS::DEV_RET CFakeDevice::PtzAddPreset(const char* verify, unsigned int chn, const char* name)
 {
     Guard guard(m_mutex);
-    lastPtzName = name;
-    return Enter("PtzAddPreset", verify, chn);
+    const NETNS::DEV_RET result = Enter("PtzAddPreset", verify, chn);
+    Note(name);
+    return result;
 }
 
 NETNS::DEV_RET CFakeDevice::PtzModifyPresetName(const char* verify, unsigned int chn, int index, const char* name)
 {
     Guard guard(m_mutex);
-    lastPtzName = name;
-    lastPtzIndex = index;
-    return Enter("PtzModifyPresetName", verify, chn);
+    const NETNS::DEV_RET result = Enter("PtzModifyPresetName", verify, chn);
+    Note(index, name);
+    return result;
 }
 
 NETNS::DEV_RET CFakeDevice::PtzDeletePreset(const char* verify, unsigned int chn, int index)
 {
     Guard guard(m_mutex);
-    lastPtzIndex = index;
-    return Enter("PtzDeletePreset", verify, chn);
+    const NETNS::DEV_RET result = Enter("PtzDeletePreset", verify, chn);
+    Note(index);
+    return result;
 }
 
 NETNS::DEV_RET CFakeDevice::PtzModifyPresetPosition(const char* verify, unsigned int chn, int index)
 {
     Guard guard(m_mutex);
-    lastPtzIndex = index;
-    return Enter("PtzModifyPresetPosition", verify, chn);
+    const NETNS::DEV_RET result = Enter("PtzModifyPresetPosition", verify, chn);
+    Note(index);
+    return result;
 }
 
 NETNS::DEV_RET CFakeDevice::PtzGetCruises(const char* verify, unsigned int chn, NETNS::DEV_PTZ_CRUISE* list, int max,
@@ -557,7 +762,7 @@ NETNS::DEV_RET CFakeDevice::PtzGetCruises(const char* verify, unsigned int chn, 
     const NETNS::DEV_RET result = Enter("PtzGetCruises", verify, chn);
     if (result == NETNS::DEV_RET_OK)
     {
-        count = Copy(cruises, list, max);
+        count = Report("PtzGetCruises", cruises, list, max);
     }
     return result;
 }
@@ -567,10 +772,10 @@ NETNS::DEV_RET CFakeDevice::PtzGetCruisePoints(const char* verify, unsigned int 
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("PtzGetCruisePoints", verify, chn);
-    lastPtzIndex = index;
+    Note(index);
     if (result == NETNS::DEV_RET_OK)
     {
-        count = Copy(cruisePoints, list, max);
+        count = Report("PtzGetCruisePoints", cruisePoints, list, max);
     }
     return result;
 }
@@ -579,33 +784,34 @@ NETNS::DEV_RET CFakeDevice::PtzAddCruise(const char* verify, unsigned int chn, c
                                          const NETNS::DEV_PTZ_CRUISE_POINT* list, int count)
 {
     Guard guard(m_mutex);
-    lastPtzName = name;
-    cruisePoints.assign(list, list + count);
-    return Enter("PtzAddCruise", verify, chn);
+    const NETNS::DEV_RET result = Enter("PtzAddCruise", verify, chn);
+    Note(name, Rows(list, count));
+    return result;
 }
 
 NETNS::DEV_RET CFakeDevice::PtzModifyCruise(const char* verify, unsigned int chn, int index, const char* name,
                                             const NETNS::DEV_PTZ_CRUISE_POINT* list, int count)
 {
     Guard guard(m_mutex);
-    lastPtzName = name;
-    lastPtzIndex = index;
-    cruisePoints.assign(list, list + count);
-    return Enter("PtzModifyCruise", verify, chn);
+    const NETNS::DEV_RET result = Enter("PtzModifyCruise", verify, chn);
+    Note(index, name, Rows(list, count));
+    return result;
 }
 
 NETNS::DEV_RET CFakeDevice::PtzDeleteCruise(const char* verify, unsigned int chn, int index)
 {
     Guard guard(m_mutex);
-    lastPtzIndex = index;
-    return Enter("PtzDeleteCruise", verify, chn);
+    const NETNS::DEV_RET result = Enter("PtzDeleteCruise", verify, chn);
+    Note(index);
+    return result;
 }
 
 NETNS::DEV_RET CFakeDevice::PtzRunCruise(const char* verify, unsigned int chn, int index)
 {
     Guard guard(m_mutex);
-    lastPtzIndex = index;
-    return Enter("PtzRunCruise", verify, chn);
+    const NETNS::DEV_RET result = Enter("PtzRunCruise", verify, chn);
+    Note(index);
+    return result;
 }
 
 NETNS::DEV_RET CFakeDevice::PtzStopCruise(const char* verify, unsigned int chn)
@@ -640,6 +846,7 @@ NETNS::DEV_RET CFakeDevice::SetMotionParam(const char* verify, unsigned int chn,
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetMotionParam", verify, chn);
+    Note(*config);
     if (result == NETNS::DEV_RET_OK)
     {
         motionConfig = *config;
@@ -651,7 +858,7 @@ NETNS::DEV_RET CFakeDevice::GetSensorConfig(const char* verify, int id, NETNS::D
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("GetSensorConfig", verify);
-    lastAlarmId = id;
+    Note(id);
     if (result == NETNS::DEV_RET_OK)
     {
         *config = sensorConfig;
@@ -663,7 +870,7 @@ NETNS::DEV_RET CFakeDevice::SetSensorConfig(const char* verify, int id, const NE
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetSensorConfig", verify);
-    lastAlarmId = id;
+    Note(id, *config);
     if (result == NETNS::DEV_RET_OK)
     {
         sensorConfig = *config;
@@ -675,8 +882,7 @@ NETNS::DEV_RET CFakeDevice::ManualAlarmOut(const char* verify, int id, bool on)
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("ManualAlarmOut", verify);
-    lastAlarmId = id;
-    lastAlarmOut = on;
+    Note(id, on);
     return result;
 }
 
@@ -684,7 +890,7 @@ NETNS::DEV_RET CFakeDevice::GetAlarmOutConfig(const char* verify, int id, NETNS:
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("GetAlarmOutConfig", verify);
-    lastAlarmId = id;
+    Note(id);
     if (result == NETNS::DEV_RET_OK)
     {
         *config = alarmOutConfig;
@@ -696,7 +902,7 @@ NETNS::DEV_RET CFakeDevice::SetAlarmOutConfig(const char* verify, int id, const 
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetAlarmOutConfig", verify);
-    lastAlarmId = id;
+    Note(id, *config);
     if (result == NETNS::DEV_RET_OK)
     {
         alarmOutConfig = *config;
@@ -730,6 +936,7 @@ NETNS::DEV_RET CFakeDevice::SetNetBasic(const char* verify, const NETNS::DEV_NET
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetNetBasic", verify);
+    Note(*config);
     if (result == NETNS::DEV_RET_OK)
     {
         netBasic = *config;
@@ -752,6 +959,7 @@ NETNS::DEV_RET CFakeDevice::SetPppoe(const char* verify, const NETNS::DEV_PPPOE*
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetPppoe", verify);
+    Note(*config);
     if (result == NETNS::DEV_RET_OK)
     {
         pppoe = *config;
@@ -774,6 +982,7 @@ NETNS::DEV_RET CFakeDevice::SetPortInfo(const char* verify, const NETNS::DEV_POR
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetPortInfo", verify);
+    Note(*info);
     if (result == NETNS::DEV_RET_OK)
     {
         portInfo = *info;
@@ -796,6 +1005,7 @@ NETNS::DEV_RET CFakeDevice::SetDdns(const char* verify, const NETNS::DEV_DDNS* c
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SetDdns", verify);
+    Note(*config);
     if (result == NETNS::DEV_RET_OK)
     {
         ddns = *config;
@@ -807,6 +1017,7 @@ NETNS::DEV_RET CFakeDevice::ModifyPassword(const char* verify, const char* passw
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("ModifyPassword", verify);
+    Note(password);
     if (result == NETNS::DEV_RET_OK)
     {
         newPassword = password;
@@ -824,8 +1035,7 @@ NETNS::DEV_RET CFakeDevice::GetChannelIdList(const char* verify, unsigned int* i
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("GetChannelIdList", verify);
-    count = Copy(channelIds, ids, max);
-    count = channelIdCount >= 0 ? channelIdCount : count;
+    count = Report("GetChannelIdList", channelIds, ids, max);
     return result;
 }
 
@@ -835,7 +1045,7 @@ NETNS::DEV_RET CFakeDevice::SearchRecordDate(const char* verify, NETNS::DEV_DATE
     const NETNS::DEV_RET result = Enter("SearchRecordDate", verify);
     if (result == NETNS::DEV_RET_OK)
     {
-        count = Copy(recordDates, list, max);
+        count = Report("SearchRecordDate", recordDates, list, max);
     }
     return result;
 }
@@ -846,12 +1056,10 @@ NETNS::DEV_RET CFakeDevice::SearchRecord(const char* verify, const NETNS::DEV_DA
 {
     Guard guard(m_mutex);
     const NETNS::DEV_RET result = Enter("SearchRecord", verify);
-    lastSearchStart = *start;
-    lastSearchEnd = *end;
-    m_lastChannel = static_cast<unsigned int>(channel);
+    Note(*start, *end, channel);
     if (result == NETNS::DEV_RET_OK)
     {
-        count = Copy(records, list, max);
+        count = Report("SearchRecord", records, list, max);
     }
     return result;
 }

@@ -23,6 +23,10 @@ public:
     int Calls(const std::string& operation) const;
     /// Names of all operations called, in order.
     std::vector<std::string> CallOrder() const;
+    /// The same with their arguments, records in braces with their fields in order and texts in quotes:
+    /// "SetPtzProtocol 1 {9600 1 5}", "SetVideoProfile 1 0 {...}". Verification texts are left out.
+    std::vector<std::string> CallLog() const;
+    void ForgetCalls();
     /// The verification text of the last call that had one.
     std::string LastVerify() const;
     /// The channel of the last call that had one.
@@ -37,6 +41,8 @@ public:
     std::vector<NETNS::DEV_USER_INFO> users;
     /// Results of operations by name; DEV_RET_OK for those that are not in it. The user is judged first.
     std::map<std::string, NETNS::DEV_RET> results;
+    /// Counts that operations with a list tell by name, for those that do not tell what they filled.
+    std::map<std::string, int> counts;
 
     /// Files that GetWebFile writes, by path.
     std::map<std::string, std::string> webFiles;
@@ -52,7 +58,7 @@ public:
     int profileCount = 2;
     int audioType = 0;
     int ntpServerMaxLen = 127;
-    std::string profileName = "main";
+    std::map<int, std::string> profileNames;
     std::string newPassword;
     std::string alarmStatusXml;
 
@@ -61,8 +67,8 @@ public:
     NETNS::DEV_DATETIME dateTime = {};
     NETNS::DEV_IMAGE_CAPS imageCaps = {};
     NETNS::DEV_IMAGE_PARAM imageParam = {};
-    NETNS::DEV_VIDEO_ENCODE_CAPS videoCaps = {};
-    NETNS::DEV_VIDEO_PROFILE videoProfile = {};
+    std::map<int, NETNS::DEV_VIDEO_ENCODE_CAPS> videoCaps; // by profile
+    std::map<int, NETNS::DEV_VIDEO_PROFILE> videoProfiles;
     NETNS::DEV_TIME_OSD timeOsd = {};
     NETNS::DEV_CHANNEL_NAME_OSD channelNameOsd = {};
     std::vector<NETNS::DEV_PRIVACY_MASK> privacyMasks;
@@ -72,26 +78,17 @@ public:
     std::vector<NETNS::DEV_PTZ_PRESET> presets;
     std::vector<NETNS::DEV_PTZ_CRUISE> cruises;
     std::vector<NETNS::DEV_PTZ_CRUISE_POINT> cruisePoints;
-    std::string lastPtzName; ///< of a preset or cruise that was added or changed
-    int lastPtzIndex = -1;   ///< of a preset or cruise
-    int lastPtzCommand = -1;
-    int lastPtzSpeed = -1;
     NETNS::DEV_MOTION_CONFIG motionConfig = {};
     NETNS::DEV_MOTION_CAPS motionCaps = {};
     NETNS::DEV_SENSOR_CONFIG sensorConfig = {};
     NETNS::DEV_ALARM_OUT_CONFIG alarmOutConfig = {};
-    int lastAlarmId = -1;
-    bool lastAlarmOut = false;
     NETNS::DEV_NET_BASIC netBasic = {};
     NETNS::DEV_PPPOE pppoe = {};
     NETNS::DEV_PORT_INFO portInfo = {};
     NETNS::DEV_DDNS ddns = {};
     std::vector<unsigned int> channelIds;
-    int channelIdCount = -1; ///< the count told, when not that of channelIds
     std::vector<NETNS::DEV_DATE> recordDates;
     std::vector<NETNS::DEV_RECORD_INFO> records;
-    NETNS::DEV_DATETIME lastSearchStart = {};
-    NETNS::DEV_DATETIME lastSearchEnd = {};
 
     NETNS::DEV_RET ProcHttpRequest(const std::string& request, int& status, std::string& response) override;
     NETNS::DEV_RET ProcHttpData(const char* message, int len, char*& body, int& bodyLen, int& status) override;
@@ -185,11 +182,16 @@ private:
     NETNS::DEV_RET Enter(const char* operation);
     NETNS::DEV_RET Enter(const char* operation, const char* verify);
     NETNS::DEV_RET Enter(const char* operation, const char* verify, unsigned int chn);
+    template <typename... VALUES>
+    void Note(const VALUES&... values); ///< adds arguments to the log's last line
+    template <typename ROW>
+    int Report(const char* operation, const std::vector<ROW>& rows, ROW* out, int max) const;
     bool IsUser(const std::string& verify) const;
     char* HandOut(const std::string& text, int& len);
 
     mutable std::recursive_mutex m_mutex; // over everything here; held by each operation
     std::vector<std::string> m_calls;
+    std::vector<std::string> m_log;
     std::string m_lastVerify;
     unsigned int m_lastChannel = 0;
     int m_buffersOut = 0;

@@ -30,6 +30,7 @@ protected:
     {
         SHARESDK_SetLogLevel(SHARESDK_LOG_NONE);
         DescribeDevice();
+        NET_SERVER_SetPolicy(NET_POLICY_NO_ANNOUNCE);
         ASSERT_EQ(1, NET_SERVER_Initial(2, 0, 0, &m_device, nullptr, "", "", 1, NETNS::DEV_TYPE_DEFAULT));
         StartOnFreePort();
     }
@@ -37,6 +38,7 @@ protected:
     {
         NET_SERVER_Stop();
         NET_SERVER_Quit();
+        NET_SERVER_SetPolicy(0);
     }
 
     /// A free port may be taken by another test in the moment between; then the next one is tried.

@@ -78,6 +78,7 @@ TEST(CameraOptions, HasDefaults)
     EXPECT_TRUE(parsed.options.rtspAuth);
     EXPECT_EQ(1U, parsed.options.channels);
     EXPECT_FALSE(parsed.options.compat);
+    EXPECT_FALSE(parsed.options.announce);
 }
 
 TEST(CameraOptions, TakesEachOption)
@@ -107,7 +108,8 @@ TEST(CameraOptions, TakesEachOption)
                                  "--no-rtsp-auth",
                                  "--channels",
                                  "4",
-                                 "--compat"});
+                                 "--compat",
+                                 "--announce"});
     ASSERT_EQ(CommandLine::Run, parsed.result) << parsed.err;
     EXPECT_EQ(80, parsed.options.httpPort);
     EXPECT_EQ(554, parsed.options.rtspPort);
@@ -127,6 +129,7 @@ TEST(CameraOptions, TakesEachOption)
     EXPECT_FALSE(parsed.options.rtspAuth);
     EXPECT_EQ(4U, parsed.options.channels);
     EXPECT_TRUE(parsed.options.compat);
+    EXPECT_TRUE(parsed.options.announce);
 }
 
 TEST(CameraOptions, TakesTheOtherSources)
@@ -160,8 +163,9 @@ TEST(CameraOptions, PrintsHelp)
     const Parsed parsed = Parse({"--help"});
     EXPECT_EQ(CommandLine::Done, parsed.result);
     EXPECT_EQ("", parsed.err);
-    for (const char* option : {"--http-port", "--rtsp-port", "--web-root", "--data-dir", "--source", "--size", "--fps",
-                               "--bitrate", "--gop", "--user", "--no-rtsp-auth", "--channels", "--compat"})
+    for (const char* option :
+         {"--http-port", "--rtsp-port", "--web-root", "--data-dir", "--source", "--size", "--fps", "--bitrate", "--gop",
+          "--user", "--no-rtsp-auth", "--channels", "--compat", "--announce"})
     {
         EXPECT_NE(std::string::npos, parsed.out.find(option)) << option;
     }

@@ -27,6 +27,13 @@ TEST_F(Policy, StandardRtspIsTheFirstBit)
     EXPECT_EQ(0x80000002u, CPolicy(0x80000002).Bits());
 }
 
+TEST_F(Policy, NoAnnounceIsTheSecondBit)
+{
+    EXPECT_TRUE(CPolicy(2).NoAnnounce());
+    EXPECT_TRUE(CPolicy(3).NoAnnounce());
+    EXPECT_FALSE(CPolicy(1).NoAnnounce());
+}
+
 TEST_F(Policy, ChangeLeavesACopyAsItWas)
 {
     const CPolicy before = CPolicy::Current();

@@ -458,11 +458,11 @@ TEST_F(QlxApiDeviceCommands, ChannelListHoldsUpTo128)
     m_device.channelIds.assign(200, 7);
     for (const int count : {128, 129, 100000})
     {
-        m_device.channelIdCount = count;
+        m_device.counts["GetChannelIdList"] = count;
         const CQLXXMLParse document(Run(&CQLXApiProc::GetChnList).body);
         EXPECT_EQ(128u, document.GetChildrenLength("channelIDList", "item"));
     }
-    m_device.channelIdCount = 127;
+    m_device.counts["GetChannelIdList"] = 127;
     EXPECT_EQ(127u, CQLXXMLParse(Run(&CQLXApiProc::GetChnList).body).GetChildrenLength("channelIDList", "item"));
 }
 

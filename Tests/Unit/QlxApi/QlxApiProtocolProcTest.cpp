@@ -396,11 +396,3 @@ TEST_F(QLXApiProc, PtzNeedsBothOfItsKinds)
     m_device.integratedPtz = false;
     EXPECT_FALSE(CQLXApiProc::Instance().SupportPtz());
 }
-
-TEST(AlarmServer, KeepsTheCounts)
-{
-    EXPECT_EQ(1, CAlarmServer::Instance().Initial(4, 2, 3));
-    EXPECT_EQ(2u, CAlarmServer::Instance().GetAlarmOutNum());
-    EXPECT_EQ(3u, CAlarmServer::Instance().GetSensorNum());
-    CAlarmServer::Instance().Initial(0, 0, 0);
-}

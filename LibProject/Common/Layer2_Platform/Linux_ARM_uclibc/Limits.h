@@ -18,3 +18,6 @@ constexpr std::size_t LIMIT_MOTION_GRID_ROWS = 1024;
 constexpr std::size_t LIMIT_ABANDONED_CONNECTIONS = 32;
 /// Elements within elements in an XML document.
 constexpr std::size_t LIMIT_XML_NESTING = 500;
+
+/// Events of one camera that wait for the next delivery; what comes on top is dropped.
+constexpr std::size_t LIMIT_WAITING_EVENTS = 4096;

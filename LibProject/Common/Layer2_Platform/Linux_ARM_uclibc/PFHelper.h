@@ -93,6 +93,10 @@ public:
     /// Those of GetNICList that run and do not belong to a bond, in the same order. @return how many
     static int GetSocketEnabled_NICList(std::list<__TNICInfo>& list);
 
+    /// The address that the system would send from towards another one. Nothing is sent.
+    /// @param address  network order. @return network order; 0 when there is no route
+    static unsigned int GetLocalAddressTowards(unsigned int address);
+
     /// Has a command run by the helper process outside this library. Waits for the helper without a limit.
     /// @param szCmd   below 256 characters
     /// @param flag    handed to the helper

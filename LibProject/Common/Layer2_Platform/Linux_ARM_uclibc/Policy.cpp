@@ -5,7 +5,9 @@
 namespace
 {
 
-const unsigned int POLICY_BIT_STANDARD_RTSP = 1; // NET_POLICY_STANDARD_RTSP of the public header
+// NET_POLICY_... of the public header.
+const unsigned int POLICY_BIT_STANDARD_RTSP = 1;
+const unsigned int POLICY_BIT_NO_ANNOUNCE = 2;
 
 std::atomic<unsigned int> s_currentBits{0};
 
@@ -31,4 +33,9 @@ unsigned int CPolicy::Bits() const
 bool CPolicy::StandardRtsp() const
 {
     return (m_bits & POLICY_BIT_STANDARD_RTSP) != 0;
+}
+
+bool CPolicy::NoAnnounce() const
+{
+    return (m_bits & POLICY_BIT_NO_ANNOUNCE) != 0;
 }

@@ -20,6 +20,9 @@ public:
     /// refuses a frame does not keep it from the lists behind.
     bool StandardRtsp() const;
 
+    /// The device stays silent: it is not announced over UPnP, and no port serves a description.
+    bool NoAnnounce() const;
+
 private:
     unsigned int m_bits;
 };

@@ -1,0 +1,179 @@
+#include "Playback.h"
+
+#include "RecordTime.h"
+#include "RecordedFrames.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+#include <vector>
+
+namespace
+{
+
+constexpr std::int64_t SECOND_US = 1000000;
+constexpr std::int64_t START_DELAY_US = SECOND_US;
+constexpr std::int64_t RECORDING_POLL_US = 200000;
+constexpr std::int64_t LARGEST_WAIT_US = 2 * SECOND_US; // a gap in the recordings is not waited for
+constexpr std::size_t MAX_PLAYBACKS = 16;
+constexpr int FRAMES_TO_FIND_SOUND = 200;
+// Live handles lie below, and 39 is that of talk.
+constexpr unsigned int FIRST_HANDLE = 100000;
+
+std::int64_t NowUs()
+{
+    return static_cast<std::int64_t>(SteadyClockUs());
+}
+
+} // namespace
+
+CPlayback::CPlayback(CRecordIndex& index, std::int64_t fromUs, std::int64_t toUs, unsigned int handle,
+                     PlaybackFeed feed)
+    : m_index(index), m_fromUs(fromUs), m_toUs(toUs), m_handle(handle), m_feed(std::move(feed)),
+      m_thread([this] { Run(); })
+{
+}
+
+CPlayback::~CPlayback()
+{
+    {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        m_stopping = true;
+    }
+    m_wake.notify_all();
+    m_thread.join();
+}
+
+void CPlayback::Run()
+{
+    Describe();
+    if (Wait(START_DELAY_US))
+    {
+        Play();
+    }
+    m_ended = true;
+}
+
+/// Sound first: the description is made as soon as there is a picture.
+void CPlayback::Describe()
+{
+    CRecordedFrames frames(m_index, m_fromUs, m_toUs);
+    RecordedFrame picture;
+    if (frames.Next(picture) != NextFrame::Ready)
+    {
+        return;
+    }
+    RecordedFrame frame;
+    for (int count = 0; count < FRAMES_TO_FIND_SOUND && frames.Next(frame) == NextFrame::Ready; ++count)
+    {
+        if (frame.kind == RecordedKind::Audio)
+        {
+            m_feed(m_handle, frame);
+            break;
+        }
+    }
+    m_feed(m_handle, picture);
+}
+
+void CPlayback::Play()
+{
+    CRecordedFrames frames(m_index, m_fromUs, m_toUs);
+    RecordedFrame frame;
+    while (true)
+    {
+        const NextFrame next = frames.Next(frame);
+        if (next == NextFrame::End || (next == NextFrame::NotYet && !Wait(RECORDING_POLL_US)))
+        {
+            return;
+        }
+        if (next == NextFrame::Ready)
+        {
+            if (!AwaitTurn(frame))
+            {
+                return;
+            }
+            m_feed(m_handle, frame);
+        }
+    }
+}
+
+/// Waits until the frame is due, and moves its time so that gaps vanish. @return false when the playback shall end
+bool CPlayback::AwaitTurn(RecordedFrame& frame)
+{
+    if (m_lastUs == 0)
+    {
+        m_paceUs = NowUs() - frame.timeUs;
+    }
+    else if (frame.timeUs - m_lastUs > LARGEST_WAIT_US)
+    {
+        m_shiftUs += frame.timeUs - m_lastUs;
+    }
+    m_lastUs = std::max(m_lastUs, frame.timeUs);
+    frame.timeUs -= m_shiftUs;
+    return Wait(frame.timeUs + m_paceUs - NowUs());
+}
+
+/// @return false when the playback shall end
+bool CPlayback::Wait(std::int64_t us)
+{
+    std::unique_lock<std::mutex> guard(m_lock);
+    return !m_wake.wait_for(guard, std::chrono::microseconds(std::max<std::int64_t>(us, 0)),
+                            [this] { return m_stopping; });
+}
+
+CPlaybacks::CPlaybacks(CRecordIndex& index, PlaybackFeed feed)
+    : m_index(index), m_feed(std::move(feed)), m_nextHandle(FIRST_HANDLE)
+{
+}
+
+unsigned int CPlaybacks::Open(std::int64_t fromUs, unsigned int seconds)
+{
+    Sweep();
+    std::unique_ptr<CPlayback> oldest; // its client may have left without a word
+    const std::lock_guard<std::mutex> guard(m_lock);
+    if (m_playbacks.size() >= MAX_PLAYBACKS)
+    {
+        oldest = std::move(m_playbacks.begin()->second);
+        m_playbacks.erase(m_playbacks.begin());
+    }
+    const unsigned int handle = m_nextHandle++;
+    m_playbacks[handle] = std::make_unique<CPlayback>(m_index, fromUs, fromUs + seconds * SECOND_US, handle, m_feed);
+    return handle;
+}
+
+void CPlaybacks::Close(unsigned int handle)
+{
+    std::unique_ptr<CPlayback> ending; // outside of the lock: its thread is waited for
+    const std::lock_guard<std::mutex> guard(m_lock);
+    const auto found = m_playbacks.find(handle);
+    if (found != m_playbacks.end())
+    {
+        ending = std::move(found->second);
+        m_playbacks.erase(found);
+    }
+}
+
+void CPlaybacks::CloseAll()
+{
+    std::map<unsigned int, std::unique_ptr<CPlayback>> ending;
+    const std::lock_guard<std::mutex> guard(m_lock);
+    ending.swap(m_playbacks);
+}
+
+void CPlaybacks::Sweep()
+{
+    std::vector<std::unique_ptr<CPlayback>> ended;
+    const std::lock_guard<std::mutex> guard(m_lock);
+    for (auto at = m_playbacks.begin(); at != m_playbacks.end();)
+    {
+        if (at->second->HasEnded())
+        {
+            ended.push_back(std::move(at->second));
+            at = m_playbacks.erase(at);
+        }
+        else
+        {
+            ++at;
+        }
+    }
+}

@@ -1,0 +1,105 @@
+#include "MulticastService.h"
+
+#include "NetworkNamespace.h"
+#include "ShareSDK.h"
+
+#include <dirent.h>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+/// The base forms, callable.
+class CPlainService : public CMulticastService
+{
+public:
+    using CMulticastService::ParseResp;
+    using CMulticastService::SendCmd;
+};
+
+int OpenDescriptors()
+{
+    DIR* directory = opendir("/proc/self/fd");
+    int count = 0;
+    while (readdir(directory) != nullptr)
+    {
+        ++count;
+    }
+    closedir(directory);
+    return count;
+}
+
+class MulticastService : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        SHARESDK_SetLogLevel(SHARESDK_LOG_NONE);
+        if (!CNetworkNamespace::Enter() || !CNetworkNamespace::AddInterface("eth0", "10.1.0.5/24"))
+        {
+            GTEST_SKIP() << "the kernel does not allow a network namespace here";
+        }
+    }
+};
+
+TEST_F(MulticastService, BaseSendsAnEmptyDatagramOnce)
+{
+    CDatagramSniffer wire("eth0");
+    CPlainService service;
+    service.Initial("239.255.255.250", 1900);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(1, service.Start());
+    service.Stop();
+    // Nothing can have come: the receiving socket is bound to no port.
+    EXPECT_EQ(" len:4294967295, msg:.\n", testing::internal::GetCapturedStderr());
+    const auto datagrams = wire.Await(1);
+    ASSERT_EQ(1u, datagrams.size());
+    EXPECT_EQ("239.255.255.250:1900", datagrams[0].destination);
+    EXPECT_EQ("", datagrams[0].payload);
+    EXPECT_TRUE(wire.Take().empty());
+}
+
+TEST_F(MulticastService, BasePrintsWhatComes)
+{
+    CPlainService service;
+    testing::internal::CaptureStderr();
+    service.ParseResp("abc", 3);
+    service.ParseResp("", 0);
+    EXPECT_EQ(" len:3, msg:abc.\n len:0, msg:.\n", testing::internal::GetCapturedStderr());
+}
+
+TEST_F(MulticastService, InterfaceThatCannotSendDelaysNoOther)
+{
+    ASSERT_TRUE(CNetworkNamespace::AddInterface("eth1", "10.2.0.5/24"));
+    CDatagramSniffer wire("eth1");
+    CPlainService service;
+    service.Initial("239.255.255.250", 1900);
+    ASSERT_TRUE(CNetworkNamespace::Ip("link set eth0 down"));
+    service.SendCmd("abc", 3);
+    const auto datagrams = wire.Await(1);
+    ASSERT_EQ(1u, datagrams.size());
+    EXPECT_EQ("abc", datagrams[0].payload);
+}
+
+TEST_F(MulticastService, SecondInitialOpensNoMoreSockets)
+{
+    CPlainService service;
+    service.Initial("239.255.255.250", 1900);
+    const int open = OpenDescriptors();
+    service.Initial("239.255.255.250", 1900);
+    EXPECT_EQ(open, OpenDescriptors());
+}
+
+TEST_F(MulticastService, SocketsGoWithTheObject)
+{
+    const int before = OpenDescriptors();
+    {
+        CPlainService service;
+        service.Initial("239.255.255.250", 1900);
+        EXPECT_EQ(before + 2, OpenDescriptors());
+    }
+    EXPECT_EQ(before, OpenDescriptors());
+}
+
+} // namespace
