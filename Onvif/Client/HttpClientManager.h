@@ -15,6 +15,9 @@ class CONVIFAlarmStateObserver;
 class CHttpClientManager
 {
 public:
+    /// Where cameras deliver their notifications.
+    static constexpr unsigned short NOTIFICATION_PORT = 6699;
+
     static CHttpClientManager& Instance();
     CHttpClientManager(const CHttpClientManager&) = delete;
     CHttpClientManager& operator=(const CHttpClientManager&) = delete;
