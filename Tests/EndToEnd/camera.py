@@ -44,11 +44,9 @@ class Camera:
         self.directory = tempfile.TemporaryDirectory(prefix="camera-")
         self.http, self.rtsp = free_ports(2)
         self.log_path = os.path.join(self.directory.name, "log")
-        with open(self.log_path, "wb") as log:
-            self.process = subprocess.Popen(
-                [CAMERA, "--http-port", str(self.http), "--rtsp-port", str(self.rtsp),
-                 "--data-dir", os.path.join(self.directory.name, "data"), *self.options],
-                stdout=subprocess.PIPE, stderr=log)
+        self.command = [CAMERA, "--http-port", str(self.http), "--rtsp-port", str(self.rtsp), "--data-dir", self.data(),
+                        *self.options]
+        self._launch()
         self.ready_line = self._read_line()
         if self.ready_line != b"":
             return True
@@ -56,6 +54,10 @@ class Camera:
         self.process.wait()
         self.process.stdout.close()
         return False
+
+    def _launch(self):
+        with open(self.log_path, "ab") as log:
+            self.process = subprocess.Popen(self.command, stdout=subprocess.PIPE, stderr=log)
 
     def _read_line(self):
         line = b""
@@ -69,6 +71,22 @@ class Camera:
                 return b""
             line += piece
         return line
+
+    @staticmethod
+    def free_port():
+        return free_ports(1)[0]
+
+    def data(self, name=""):
+        return os.path.join(self.directory.name, "data", name)
+
+    def kill_and_start_again(self):
+        """As after a loss of power of the program: what was acknowledged must be there."""
+        self.process.kill()
+        self.process.wait()
+        self.process.stdout.close()
+        self._launch()
+        self.ready_line = self._read_line()
+        assert self.ready_line, self.log()
 
     def __exit__(self, *_):
         if self.process.poll() is None:
@@ -167,6 +185,20 @@ def decode(url, transport, frames):
     result = run("ffmpeg", "-nostdin", "-v", "error", "-rtsp_transport", transport, "-i", url, "-map", "0",
                  "-frames:v", str(frames), "-f", "null", "-")
     return result.returncode, result.stderr
+
+
+def gray_picture(jpeg):
+    """The brightness of each pixel of a JPEG picture: width, height, bytes."""
+    result = subprocess.run(["ffmpeg", "-v", "error", "-i", "-", "-f", "rawvideo", "-pix_fmt", "gray", "-"],
+                            input=jpeg, stdout=subprocess.PIPE, timeout=CLIENT_LIMIT)
+    size = subprocess.run(["ffprobe", "-v", "error", "-show_entries", "stream=width,height", "-of", "csv=p=0", "-"],
+                          input=jpeg, stdout=subprocess.PIPE, timeout=CLIENT_LIMIT).stdout.decode().strip().split(",")
+    return int(size[0]), int(size[1]), result.stdout
+
+
+def mean_luma(jpeg):
+    _, _, pixels = gray_picture(jpeg)
+    return sum(pixels) / len(pixels)
 
 
 def steps(times):

@@ -42,7 +42,7 @@ class Http(unittest.TestCase):
             lint = run("xmllint", "--noout", document.name)
             self.assertEqual((0, ""), (lint.returncode, lint.stderr))
             path = '//*[local-name()="deviceInfo"]/*[local-name()="%s"]'
-            for name, value in (("model", "netserver-camera"), ("audioInCount", "2"), ("integratedPtz", "false")):
+            for name, value in (("model", "netserver-camera"), ("audioInCount", "2"), ("integratedPtz", "true")):
                 found = run("xmllint", "--xpath", "string(%s)" % (path % name), document.name)
                 self.assertEqual(value, found.stdout.strip())
 

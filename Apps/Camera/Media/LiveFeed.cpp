@@ -14,6 +14,7 @@ namespace
 constexpr std::uint32_t VIDEO_CLOCK = 90000;
 constexpr std::uint32_t SOUND_RATE = 8000;
 constexpr std::size_t CHUNK_MARKER = 4;
+constexpr std::uint64_t REPEAT_AFTER_US = 200000;
 
 void Deliver(unsigned int channels, int stream, const RTSP_FRAME& frame, const std::vector<unsigned char>& bytes)
 {
@@ -75,15 +76,12 @@ void CLiveFeed::PutAudio(const std::vector<unsigned char>& chunk, std::uint64_t 
 
 void CLiveFeed::PutJpeg(const std::vector<unsigned char>& picture, std::uint64_t presentationUs)
 {
+    const std::lock_guard<std::mutex> guard(m_snapshotLock);
+    if (presentationUs >= m_snapshotsFromUs)
     {
-        const std::lock_guard<std::mutex> guard(m_snapshotLock);
-        if (presentationUs < m_snapshotsFromUs)
-        {
-            return;
-        }
         m_snapshot = picture;
+        HandOverSnapshot();
     }
-    RepeatSnapshot();
 }
 
 void CLiveFeed::ForgetSnapshot()
@@ -96,17 +94,24 @@ void CLiveFeed::ForgetSnapshot()
 void CLiveFeed::RepeatSnapshot()
 {
     const std::lock_guard<std::mutex> guard(m_snapshotLock);
-    if (!m_snapshot.empty())
+    if (!m_snapshot.empty() && SteadyClockUs() - m_handedOverUs >= REPEAT_AFTER_US)
     {
-        RTSP_FRAME record = {};
-        record.frameType = RTSP_FRAME_JPEG;
-        record.encodeType = RTSP_ENCODE_JPEG;
-        record.keyFrame = 1;
-        record.presentationUs = m_snapshotsFromUs;
-        record.clockRate = VIDEO_CLOCK;
-        record.length = static_cast<std::uint32_t>(m_snapshot.size());
-        Deliver(m_channels, MAIN_STREAM, record, m_snapshot);
+        HandOverSnapshot();
     }
+}
+
+/// The lock is held: no snapshot that was forgotten goes out behind the change that made it old.
+void CLiveFeed::HandOverSnapshot()
+{
+    m_handedOverUs = SteadyClockUs();
+    RTSP_FRAME record = {};
+    record.frameType = RTSP_FRAME_JPEG;
+    record.encodeType = RTSP_ENCODE_JPEG;
+    record.keyFrame = 1;
+    record.presentationUs = m_handedOverUs;
+    record.clockRate = VIDEO_CLOCK;
+    record.length = static_cast<std::uint32_t>(m_snapshot.size());
+    Deliver(m_channels, MAIN_STREAM, record, m_snapshot);
 }
 
 bool CLiveFeed::HasAll() const

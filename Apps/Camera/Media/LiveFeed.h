@@ -26,8 +26,8 @@ public:
     /// What pictures show changes now: no snapshot taken before is handed out any more.
     void ForgetSnapshot();
 
-    /// Hands the last snapshot over once more. Called several times a second, so that a client waits for the next one
-    /// no longer at a low frame rate.
+    /// Hands the last snapshot over once more when no new one has come for a while. Called several times a second, so
+    /// that a client's wait does not get longer with a lower frame rate.
     void RepeatSnapshot();
 
     /// Whether a key frame of each stream and some sound have come: every DESCRIBE is answered at once then.
@@ -37,6 +37,8 @@ public:
     void Restart();
 
 private:
+    void HandOverSnapshot();
+
     const unsigned int m_channels;
     std::atomic<bool> m_hasKeyFrame[STREAM_COUNT] = {};
     std::atomic<bool> m_hasSound{false};
@@ -44,5 +46,6 @@ private:
 
     std::mutex m_snapshotLock;
     std::uint64_t m_snapshotsFromUs = 0;
+    std::uint64_t m_handedOverUs = 0;
     std::vector<unsigned char> m_snapshot; // empty: none that may be handed out
 };

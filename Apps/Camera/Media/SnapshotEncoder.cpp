@@ -8,7 +8,7 @@
 namespace
 {
 
-constexpr GstClockTime INTERVAL = 190 * GST_MSECOND; // a little below 200: every third of 15 pictures a second
+constexpr GstClockTime INTERVAL = 120 * GST_MSECOND; // every second of 15 pictures a second
 
 } // namespace
 

@@ -10,6 +10,19 @@ constexpr const char* ADMIN = "<?xml version=\"1.0\" encoding=\"UTF-8\"?><userin
 constexpr const char* NOBODY = "<?xml version=\"1.0\" encoding=\"UTF-8\"?><userinfo><username></username>"
                                "<password></password><ip>10.0.0.2</ip></userinfo>";
 
+class CKeptSpeech : public CTalkSink
+{
+public:
+    void Put(const std::int16_t* samples, std::size_t count) override
+    {
+        m_samples.insert(m_samples.end(), samples, samples + count);
+    }
+    void Flush() override { ++m_flushes; }
+
+    std::vector<std::int16_t> m_samples;
+    int m_flushes = 0;
+};
+
 class CameraStreams : public ::testing::Test
 {
 protected:
@@ -21,7 +34,13 @@ protected:
 
     CCameraUsers m_users{{{"admin", "admin"}}};
     std::vector<int> m_opened;
-    CCameraStreams m_streams{2, m_users, true,
+    CRecordIndex m_records;
+    CPlaybacks m_playbacks{m_records, [](unsigned int, const RecordedFrame&) {
+                           }};
+    CKeptSpeech m_talk;
+    CCameraStreams m_streams{2,
+                             {m_users, m_playbacks, m_talk},
+                             true,
                              [this](int stream)
                              {
                                  m_opened.push_back(stream);
@@ -113,7 +132,7 @@ TEST_F(CameraStreams, OpensForUsersOnlyWhenALoginIsNeeded)
     EXPECT_EQ(0U, Open(1, MAIN_STREAM, NOBODY));
     EXPECT_FALSE(m_streams.IsOpen(MAIN_STREAM));
 
-    CCameraStreams open(1, m_users, false, [](int) {});
+    CCameraStreams open(1, {m_users, m_playbacks, m_talk}, false, [](int) {});
     unsigned int out = 0;
     EXPECT_NE(0U, open.OpenLiveStream(NOBODY, 1, MAIN_STREAM, out));
     EXPECT_TRUE(open.IsOpen(MAIN_STREAM));
@@ -128,11 +147,49 @@ TEST_F(CameraStreams, ForgetsClientsThatLeftWithoutAWord)
     EXPECT_FALSE(m_streams.IsOpen(SUB_STREAM));
 }
 
-TEST_F(CameraStreams, HasNoRecordingsAndTakesNoSpeech)
+TEST_F(CameraStreams, PlaysRecordingsOfItsOwnChannelsForUsers)
 {
     unsigned int out = 0;
-    EXPECT_EQ(0U, m_streams.OpenRecStream(ADMIN, 1, {2024, 5, 6}, {7, 8, 9}, 60, out));
-    EXPECT_EQ(0U, m_streams.OpenTalkBackStream(ADMIN));
-    unsigned char speech[5] = {0x00, 0x01, 0xa0, 0x00, 0xd5};
+    const NETNS::DEV_DATE day = {2024, 5, 6};
+    const NETNS::DEV_TIME time = {7, 8, 9};
+    EXPECT_EQ(0U, m_streams.OpenRecStream(NOBODY, 1, day, time, 60, out));
+    EXPECT_EQ(0U, m_streams.OpenRecStream(ADMIN, 0, day, time, 60, out));
+    EXPECT_EQ(0U, m_streams.OpenRecStream(ADMIN, 3, day, time, 60, out));
+    EXPECT_EQ(0U, m_streams.OpenRecStream(ADMIN, 1, {2024, 13, 6}, time, 60, out));
+    const unsigned int first = m_streams.OpenRecStream(ADMIN, 1, day, time, 60, out);
+    const unsigned int second = m_streams.OpenRecStream(ADMIN, 2, day, time, 60, out);
+    EXPECT_NE(0U, first);
+    EXPECT_NE(first, second);
+    m_streams.ClosePlayStream(first);
+    m_streams.ClosePlayStream(first);
+    m_streams.ClosePlayStream(second);
+}
+
+TEST_F(CameraStreams, DecodesTheSpeechOfUsers)
+{
+    unsigned char speech[6] = {0x00, 0x01, 0xa0, 0x00, 0xd5, 0x2a};
     EXPECT_EQ(-1, m_streams.TalkBackStreamInput(speech, sizeof(speech), NETNS::RTSP_ENCODE_TALK));
+    EXPECT_EQ(0U, m_streams.OpenTalkBackStream(NOBODY));
+    EXPECT_EQ(-1, m_streams.TalkBackStreamInput(speech, sizeof(speech), NETNS::RTSP_ENCODE_TALK));
+
+    const unsigned int handle = m_streams.OpenTalkBackStream(ADMIN);
+    EXPECT_EQ(39U, handle);
+    EXPECT_EQ(0, m_streams.TalkBackStreamInput(speech, sizeof(speech), NETNS::RTSP_ENCODE_TALK));
+    EXPECT_EQ((std::vector<std::int16_t>{8, -32256}), m_talk.m_samples);
+    m_streams.CloseTalkBackStream(0);
+    EXPECT_EQ(0, m_talk.m_flushes);
+    m_streams.CloseTalkBackStream(handle);
+    EXPECT_EQ(1, m_talk.m_flushes);
+    EXPECT_EQ(-1, m_streams.TalkBackStreamInput(speech, sizeof(speech), NETNS::RTSP_ENCODE_TALK));
+}
+
+TEST_F(CameraStreams, TakesNothingButMarkedSpeech)
+{
+    m_streams.OpenTalkBackStream(ADMIN);
+    unsigned char speech[5] = {0x00, 0x01, 0xa0, 0x00, 0xd5};
+    EXPECT_EQ(-1, m_streams.TalkBackStreamInput(speech, 4, NETNS::RTSP_ENCODE_TALK));
+    EXPECT_EQ(-1, m_streams.TalkBackStreamInput(speech, sizeof(speech), NETNS::RTSP_ENCODE_PCMA));
+    speech[2] = 0xa1;
+    EXPECT_EQ(-1, m_streams.TalkBackStreamInput(speech, sizeof(speech), NETNS::RTSP_ENCODE_TALK));
+    EXPECT_TRUE(m_talk.m_samples.empty());
 }

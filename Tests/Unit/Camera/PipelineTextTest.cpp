@@ -20,27 +20,49 @@ CameraOptions From(SourceKind source, const char* location)
 
 } // namespace
 
-TEST(PipelineText, EncodesTheMainStreamAsAskedAndTheSubStreamAtHalfItsSize)
+TEST(PipelineText, PicturesHaveTheSizeAndTheRateOfTheCommandLine)
 {
     CameraOptions options;
     options.width = 640;
     options.height = 480;
     options.fps = 25;
-    options.bitrate = 2000;
-    options.gop = 50;
-    const std::string text = LivePipelineText(options, false);
-    EXPECT_TRUE(Contains(text, "width=640,height=480,framerate=25/1"));
-    EXPECT_TRUE(Contains(text, "width=320,height=240"));
-    EXPECT_TRUE(Contains(text, "name=encoder0 tune=zerolatency speed-preset=veryfast bitrate=2000 key-int-max=50"));
-    EXPECT_TRUE(Contains(text, "name=encoder1 tune=zerolatency speed-preset=veryfast bitrate=500 key-int-max=50"));
+    EXPECT_EQ("video/x-raw,format=I420,width=640,height=480,framerate=25/1,pixel-aspect-ratio=1/1",
+              PictureCapsText(options));
+    EXPECT_TRUE(Contains(LivePipelineText(options, false), PictureCapsText(options)));
 }
 
-TEST(PipelineText, TheSubStreamHasAtLeast16Kilobit)
+// The burnt-in time changes every second: it must not count as motion, and masks must not hide it.
+TEST(PipelineText, TextIsBurntInBehindMasksAndMotion)
 {
-    CameraOptions options;
-    options.bitrate = 20;
-    EXPECT_TRUE(Contains(LivePipelineText(options, false), "name=encoder1 tune=zerolatency speed-preset=veryfast "
-                                                           "bitrate=16 "));
+    const std::string text = LivePipelineText(CameraOptions(), false);
+    const std::size_t prepare = text.find("name=prepare");
+    const std::size_t motion = text.find("name=motion");
+    const std::size_t time = text.find("name=osd_time");
+    ASSERT_NE(std::string::npos, time);
+    EXPECT_LT(text.find("name=balance"), prepare);
+    EXPECT_LT(text.find("name=turn"), prepare);
+    EXPECT_LT(prepare, motion);
+    EXPECT_LT(motion, time);
+}
+
+TEST(PipelineText, EncodesAStreamAsItsProfileHasIt)
+{
+    const NETNS::DEV_VIDEO_PROFILE profile = {320, 240, 10, 500, 5, 2, 2, 50};
+    const std::string text = EncoderPipelineText(profile);
+    EXPECT_TRUE(Contains(text, "width=320,height=240,framerate=10/1"));
+    EXPECT_TRUE(Contains(text, " bitrate=500 key-int-max=50 qp-min=10 "));
+    EXPECT_TRUE(Contains(text, "video/x-h264,profile=main,"));
+}
+
+TEST(PipelineText, LevelsAndQualitiesReachTheEncoder)
+{
+    NETNS::DEV_VIDEO_PROFILE profile = {320, 240, 10, 500, 1, 2, 1, 50};
+    EXPECT_TRUE(Contains(EncoderPipelineText(profile), "profile=constrained-baseline,"));
+    EXPECT_TRUE(Contains(EncoderPipelineText(profile), " qp-min=38 "));
+    profile.encodeLevel = 4;
+    profile.quality = 3;
+    EXPECT_TRUE(Contains(EncoderPipelineText(profile), "profile=high,"));
+    EXPECT_TRUE(Contains(EncoderPipelineText(profile), " qp-min=27 "));
 }
 
 // What a user types is set as a property and is never part of a text that is parsed.

@@ -1,0 +1,60 @@
+// The live view: snapshots one after another, and the addresses of the streams.
+"use strict";
+
+const liveView = {
+  running: false,
+  times: [],
+
+  async show() {
+    liveView.running = true;
+    byId("live-pause").textContent = "Pause";
+    liveView.play();
+    await liveView.showStreams();
+  },
+
+  hide() {
+    liveView.running = false;
+  },
+
+  async play() {
+    while (liveView.running) {
+      if (!await act(() => showSnapshot(byId("live-picture")))) {
+        await new Promise(done => setTimeout(done, 2000));
+      }
+      liveView.count();
+    }
+  },
+
+  // The rate over the last three seconds.
+  count() {
+    const now = performance.now();
+    liveView.times = liveView.times.filter(time => now - time < 3000).concat(now);
+    const seconds = (now - liveView.times[0]) / 1000;
+    byId("live-rate").textContent = seconds > 0 ? ((liveView.times.length - 1) / seconds).toFixed(1) : "0.0";
+  },
+
+  async showStreams() {
+    const channels = await call("GetChannelList");
+    const rows = [];
+    for (const item of itemsOf(channels, "channelIDList")) {
+      for (const [title, path] of [["Main", "main"], ["Sub", "sub"]]) {
+        const channel = item.textContent.trim();
+        rows.push(tableRow(channel, title, ...addressCells(rtspAddress(`/live/ch${channel}/${path}`))));
+      }
+    }
+    byId("stream-rows").replaceChildren(...rows);
+  },
+};
+
+// The port may have been changed since the page was served.
+const rtsp = {port: document.querySelector("meta[name=rtsp-port]").content.trim()};
+const rtspAddress = path => "rtsp://" + location.hostname + ":" + rtsp.port + path;
+
+byId("live-pause").onclick = () => {
+  liveView.running = !liveView.running;
+  byId("live-pause").textContent = liveView.running ? "Pause" : "Go on";
+  if (liveView.running) {
+    liveView.play();
+  }
+};
+byId("live-key").onclick = () => act(() => call("RequestKeyFrame"), "The next frame is a key frame.");
