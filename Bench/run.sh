@@ -164,6 +164,12 @@ echo "  alarm push" >&2
 echo "  micro" >&2
 "$BIN/netserver-bench-micro" --benchmark_format=csv 2>/dev/null | tr ',' '\t' >"$OUT/micro.tsv"
 "$BIN/netserver-bench-micro-api" --benchmark_format=csv 2>/dev/null | tr ',' '\t' >"$OUT/micro-api.tsv"
+echo "  onvif" >&2
+"$BIN/netserver-bench-onvif" --mode logins --count 200 >"$OUT/onvif-logins.tsv"
+"$BIN/netserver-bench-onvif" --mode clients --clients 64 --seconds 30 >"$OUT/onvif-clients.tsv"
+echo "  events" >&2
+"$BIN/netserver-bench-eventload" --mode push --cameras 100 --seconds 10 >"$OUT/events-push.tsv"
+"$BIN/netserver-bench-eventload" --mode pull --cameras 64 --seconds 10 >"$OUT/events-pull.tsv"
 
 {
     row "Server CPU for each packet of a 4 Mbit/s stream, us" "" ""
@@ -215,6 +221,17 @@ echo "  micro" >&2
     row "Request of the API without sockets, CPU us" "" ""
     awk -F'\t' '$1 ~ /^"Ask\// {gsub(/"/, "", $1); sub(/^Ask\//, "", $1)
         printf "  %-56s %12.1f  %.0f allocations, %.0f bytes\n", $1, $4 / 1000, $11, $12}' "$OUT/micro-api.tsv"
+    row "ONVIF client against a camera on loopback" "" ""
+    row "  login, ms" "$(figure onvif-logins login_ms_median)" "goal 5"
+    row "  login, us of the client's CPU" "$(figure onvif-logins login_cpu_us_median)" "goal 1000"
+    row "  move, us of the client's CPU" "$(figure onvif-logins move_cpu_us_median)"
+    row "  200 logins, kB of growth" "$(figure onvif-logins resident_kb_growth)" "goal 0"
+    row "  64 clients for 30 s: errors" "$(figure onvif-clients errors | cut -d. -f1)" \
+        "of $(figure onvif-clients rounds | cut -d. -f1) rounds; growth in the second half, kB: $(awk -v a="$(figure onvif-clients resident_kb_end)" -v b="$(figure onvif-clients resident_kb_half)" 'BEGIN {print a - b}')"
+    row "  40 kB of profiles parsed and read, us" "$(awk -F'\t' '$1 ~ /ReadProfiles/ {printf "%.0f", $3 / 1000}' "$OUT/micro.tsv")" "goal 2000"
+    row "Motion from a camera to the host, p99 ms" "" ""
+    row "  pushed, 100 cameras" "$(figure events-push p99_ms)" "goal 350; $(figure events-push cpu_us_per_event) us of CPU an event"
+    row "  pulled, 64 cameras" "$(figure events-pull p99_ms)" "goal 700; $(figure events-pull cpu_cores) cores, goal 0.25"
     row "Packetiser alone, ns a packet" "" ""
     awk -F'\t' 'NR > 1 && $7 > 0 {gsub(/"/, "", $1); printf "  %-56s %12.0f\n", $1, 1e9 / $7}' "$OUT/micro.tsv"
 } | tee "$OUT/table.txt"

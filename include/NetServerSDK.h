@@ -71,13 +71,14 @@ int NET_SERVER_PlayStreamIn(unsigned int channel, const NETNS::RTSP_FRAME& frame
 /// Feeds a frame of the device's own sound to talk clients. @return 0
 int NET_SERVER_TalkBackStreamIn(const NETNS::RTSP_FRAME& frame, void* data);
 
-/// Reports the motion state of a channel, counted from 0. @return 0
+/// Reports the motion state of a channel, counted from 0. Each report, also one that changes nothing, is pushed to the
+/// alarm server before the call returns: at once when it is near, within some seconds when it is not. @return 0
 int NET_SERVER_SetMotionStatus(unsigned int channel, bool active);
 
-/// Reports the state of an alarm input, counted from 0. @return 0
+/// The same for the state of an alarm input, counted from 0. @return 0
 int NET_SERVER_SetSensorStatus(unsigned int id, bool active);
 
-/// Reports the video-loss state of a channel, counted from 0. @return 0
+/// The same for the video-loss state of a channel, counted from 0. @return 0
 int NET_SERVER_SetVideoLossStatus(unsigned int channel, bool active);
 
 /// Ends RTSP: the scheduler thread first, then every session. Does nothing while RTSP is stopped. @return 0

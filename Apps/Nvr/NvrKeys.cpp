@@ -200,3 +200,11 @@ std::string SetDocumentProblem(const std::string& document)
     }
     return {};
 }
+
+bool SetDocumentHas(const std::string& document, const std::string& key)
+{
+    XMLDocument parsed;
+    parsed.Parse(document.data(), document.size());
+    const XMLElement* const root = parsed.RootElement();
+    return root != nullptr && root->FirstChildElement(key.c_str()) != nullptr;
+}

@@ -41,3 +41,6 @@ std::string MakeGetDocument(const std::vector<std::string>& keys, const std::vec
 
 /// What is wrong with a "Set" document, for a person to read; empty when the library can take it.
 std::string SetDocumentProblem(const std::string& document);
+
+/// Whether a "Set" document has a key.
+bool SetDocumentHas(const std::string& document, const std::string& key);

@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <ostream>
@@ -13,14 +14,16 @@ const char* const NVR_PASSWORD_VARIABLE = "NETSERVER_NVR_PASSWORD";
 namespace
 {
 
-const char* const FOOTER = "Exit status: 0 done; 1 the camera answered with a fault, or with nothing that can be read;\n"
-                           "2 bad usage; 3 the login failed.\n"
-                           "'netserver-nvr get --help' and 'netserver-nvr set --help' list the keys.";
+const char* const FOOTER =
+    "Exit status: 0 done; 1 the camera answered with a fault, or with nothing that can be read;\n"
+    "2 bad usage; 3 the login failed.\n"
+    "'netserver-nvr get --help' and 'netserver-nvr set --help' list the keys.";
 
 /// The texts as typed, before they are taken apart.
 struct RawArguments
 {
     std::vector<std::string> fields;
+    int pictureIndex = 0;
     CLI::Option* password = nullptr;
 };
 
@@ -66,6 +69,10 @@ std::string TakeAll(const RawArguments& raw, NvrOptions& options)
         {
             return problem;
         }
+    }
+    if (options.command == NvrCommand::Snapshot)
+    {
+        options.indexes = {raw.pictureIndex};
     }
     const bool hasKeys = options.command == NvrCommand::Get || options.command == NvrCommand::Raw;
     const std::string problem = hasKeys ? GetKeysProblem(options.keys) : "";
@@ -139,9 +146,8 @@ void Describe(CLI::App& app, NvrOptions& options, RawArguments& raw)
     set->footer("The document:\n  <Set version=\"1.0\" systemType=\"ipc\"> with a key in each child\nKeys:\n" +
                 DescribeNvrKeys(NvrSetKeys()));
     CLI::App* const snapshot = Command(app, options, NvrCommand::Snapshot, "snapshot", "Fetch a picture");
-    snapshot->add_option("INDEX", options.indexes, "Number of the profile, from 0")
+    snapshot->add_option("INDEX", raw.pictureIndex, "Number of the profile, from 0")
         ->required()
-        ->expected(1)
         ->check(CLI::Range(0, 65535).description(""));
     snapshot->add_option("FILE", options.file, "Where to write it; - is standard output")->required();
     DescribeMove(Command(app, options, NvrCommand::Move, "move", "Move the camera for a while"), options);
@@ -168,12 +174,14 @@ NvrCommandLine ParseNvrCommandLine(int argc, const char* const* argv, NvrOptions
     }
     catch (const CLI::ParseError& error)
     {
-        return app.exit(error, out, err) == 0 ? NvrCommandLine::Done : NvrCommandLine::Bad;
+        const bool wanted = error.get_exit_code() == 0;
+        app.exit(error, out, err);
+        return wanted ? NvrCommandLine::Done : NvrCommandLine::Bad;
     }
     const std::string problem = TakeAll(raw, options);
     if (!problem.empty())
     {
-        err << "netserver-nvr: " << problem << "\n";
+        err << "netserver-nvr: " << problem << "\nRun with --help for more information.\n";
         return NvrCommandLine::Bad;
     }
     return NvrCommandLine::Run;

@@ -29,11 +29,11 @@ struct NvrOptions
     bool verbose = false;     ///< log lines of the library on standard error
 
     NvrCommand command = NvrCommand::Login;
-    std::vector<std::string> keys;                                ///< of Get and Raw
-    std::vector<int> indexes;                                     ///< for the keys that take one
-    std::vector<std::pair<std::string, std::string>> fields;      ///< further fields of each key, by name
-    std::string file;                                             ///< of Set ("-": standard input) and Snapshot
-    int x = 0;                                                    ///< of Move, percent of full speed
+    std::vector<std::string> keys;                           ///< of Get and Raw
+    std::vector<int> indexes;                                ///< for the keys that take one
+    std::vector<std::pair<std::string, std::string>> fields; ///< further fields of each key, by name
+    std::string file;                                        ///< of Set ("-": standard input) and Snapshot
+    int x = 0;                                               ///< of Move, percent of full speed
     int y = 0;
     int zoom = 0;
     unsigned int moveMs = 500;

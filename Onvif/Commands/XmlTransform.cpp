@@ -66,8 +66,8 @@ int CXmlTransform::TransResponseGeneric(const COnvifXmlParse& soap, CQLXXMLParse
         AddSuccess(answer, item);
         return ONVIF_OK;
     }
-    const ONVIF_RESULT errorCode = BlamesAnArgument(soap, fault) ? ONVIF_INVALID_ARG : ONVIF_FAULT;
-    AddFault(soap, fault, errorCode, answer, item);
+    const int errorCode = BlamesAnArgument(soap, fault) ? ONVIF_INVALID_ARG : ONVIF_FAULT;
+    AddFault(soap, fault, static_cast<unsigned int>(errorCode), answer, item);
     return errorCode;
 }
 

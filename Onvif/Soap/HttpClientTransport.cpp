@@ -34,6 +34,14 @@ bool Fill(COnvifXmlParse& doc, const std::string& path, const char* value)
     return item != 0 && doc.SetValue(item, value, false);
 }
 
+/// Anywhere, so that a process does not repeat the nonces of one that ran a moment ago: devices refuse those.
+unsigned int FirstCount()
+{
+    _GUID guid;
+    CPFHelper::CreateGUID(guid);
+    return guid.Data1;
+}
+
 } // namespace
 
 int CHttpClient::Authentication(COnvifXmlParse& doc) const
@@ -65,7 +73,7 @@ int CHttpClient::Authentication(COnvifXmlParse& doc) const
 void CHttpClient::CreateNonce(char* out)
 {
     static CLock lock(false);
-    static unsigned int counter = 0;
+    static unsigned int counter = FirstCount();
     CMySingleLock guard(lock);
     const unsigned int sum = ++counter + CPFHelper::GetTickCount();
     PUB_MD5Encrypt(&sum, sizeof(sum), out, false);

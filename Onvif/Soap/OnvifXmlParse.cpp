@@ -46,11 +46,15 @@ const NamespaceRow NAMESPACES[] = {
 
 const std::string XMLNS = "xmlns";
 
+char ToLower(char c)
+{
+    return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+}
+
 std::string Lowered(const std::string& text)
 {
     std::string lowered = text;
-    std::transform(lowered.begin(), lowered.end(), lowered.begin(),
-                   [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+    std::transform(lowered.begin(), lowered.end(), lowered.begin(), ToLower);
     return lowered;
 }
 
@@ -195,6 +199,6 @@ int COnvifXmlParse::InsensitiveRightFind(const std::string& haystack, const std:
 
 bool COnvifXmlParse::CheckNamespace(const std::string& uri, const std::string& suffix)
 {
-    const int found = InsensitiveRightFind(uri, suffix);
-    return found >= 0 && static_cast<std::size_t>(found) == uri.size() - suffix.size();
+    return uri.size() >= suffix.size() && std::equal(suffix.rbegin(), suffix.rend(), uri.rbegin(),
+                                                     [](char lower, char c) { return lower == ToLower(c); });
 }

@@ -49,6 +49,52 @@ TEST_F(QlxApiPtzCommands, NeedABuiltInHeadAndOneOverTheSerialPort)
     }
 }
 
+// The kinds of head are asked for twice; a device may lose one in between.
+TEST_F(QlxApiPtzCommands, HeadThatGoesAwayLeavesWhatIsThere)
+{
+    class ChangingDevice : public CFakeDevice
+    {
+    public:
+        NETNS::DEV_RET GetIntegratedPtz(bool& supported) override
+        {
+            supported = m_integratedAnswers-- > 0;
+            return NETNS::DEV_RET_OK;
+        }
+        NETNS::DEV_RET GetSupportRS485Ptz(bool& supported) override
+        {
+            supported = m_rs485Answers-- > 0;
+            return NETNS::DEV_RET_OK;
+        }
+        void Answer(int integrated, int rs485)
+        {
+            m_integratedAnswers = integrated;
+            m_rs485Answers = rs485;
+        }
+
+    private:
+        int m_integratedAnswers = 0; // how often it says yes
+        int m_rs485Answers = 0;
+    };
+    ChangingDevice device;
+    device.presetCaps = {1, 8, 64};
+    CQLXApiProc::Instance().Init(1, &device);
+    device.Answer(1, 2);
+    EXPECT_EQ("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<config version=\"1.0\" xmlns=\"http://www.qlx.example/ver10\"><caps>"
+              "<controlMinSpeed type=\"uint32\">1</controlMinSpeed>\n"
+              "        <controlMaxSpeed type=\"uint32\">8</controlMaxSpeed>\n"
+              "        <presetMaxCount type=\"uint32\">64</presetMaxCount>\n"
+              "    </caps>\n"
+              "</config>\n",
+              BodyOf(Ask("PtzGetCaps")));
+    EXPECT_EQ(0, device.Calls("GetPtzCruiseCaps"));
+    device.Answer(1, 1);
+    EXPECT_EQ(1, Code("PtzGetCaps"));
+    device.Answer(1, 1);
+    EXPECT_EQ(1, Code("PtzGetProtocolConfig"));
+    EXPECT_EQ(0, device.Calls("GetPtzProtocol"));
+}
+
 TEST_F(QlxApiPtzCommands, WithoutABodyTheReplyIsEmpty)
 {
     for (const char* url : BODY_COMMANDS)

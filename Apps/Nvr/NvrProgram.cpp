@@ -1,0 +1,387 @@
+#include "NvrProgram.h"
+
+#include "NvrAnswer.h"
+#include "NvrKeys.h"
+#include "OnvifSDK.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <ostream>
+
+#include <termios.h>
+#include <time.h>
+#include <tinyxml2.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr std::size_t LARGEST_DOCUMENT = 1 << 20;
+const char* const SEE_TRACE = "; --trace FILE shows the exchanges";
+
+/// A "Set" document with one key and texts at paths of up to three names below it.
+class CSetDocument
+{
+public:
+    explicit CSetDocument(const char* key)
+    {
+        tinyxml2::XMLElement* const root = m_document.NewElement("Set");
+        m_document.InsertEndChild(root);
+        root->SetAttribute("version", "1.0");
+        root->SetAttribute("systemType", "ipc");
+        m_key = root->InsertNewChildElement(key);
+    }
+
+    CSetDocument& Add(std::initializer_list<const char*> path, const std::string& text)
+    {
+        tinyxml2::XMLElement* at = m_key;
+        for (const char* name : path)
+        {
+            tinyxml2::XMLElement* const known = at->FirstChildElement(name);
+            at = known != nullptr ? known : at->InsertNewChildElement(name);
+        }
+        at->SetText(text.c_str());
+        return *this;
+    }
+
+    std::string Text() const
+    {
+        tinyxml2::XMLPrinter printer;
+        m_document.Print(&printer);
+        return printer.CStr();
+    }
+
+private:
+    tinyxml2::XMLDocument m_document;
+    tinyxml2::XMLElement* m_key = nullptr;
+};
+
+std::string StopDocument()
+{
+    return CSetDocument("ptzStop").Add({"panTilt"}, "true").Add({"zoom"}, "true").Text();
+}
+
+/// Reads a line from the terminal without showing it. @return false without a terminal
+bool ReadHidden(const std::string& prompt, std::string& line)
+{
+    std::fstream terminal("/dev/tty");
+    const int fd = STDIN_FILENO;
+    termios shown = {};
+    if (!terminal.is_open() || tcgetattr(fd, &shown) != 0)
+    {
+        return false;
+    }
+    termios hidden = shown;
+    hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    tcsetattr(fd, TCSAFLUSH, &hidden);
+    terminal << prompt << std::flush;
+    const bool read = static_cast<bool>(std::getline(std::cin, line));
+    tcsetattr(fd, TCSAFLUSH, &shown);
+    terminal << std::endl;
+    return read;
+}
+
+bool ReadAll(std::istream& in, std::string& text)
+{
+    char part[4096];
+    while (text.size() <= LARGEST_DOCUMENT && (in.read(part, sizeof(part)), in.gcount() > 0))
+    {
+        text.append(part, static_cast<std::size_t>(in.gcount()));
+    }
+    return !in.bad() && text.size() <= LARGEST_DOCUMENT;
+}
+
+} // namespace
+
+CNvrProgram::CNvrProgram(const NvrOptions& options, const sigset_t& signals, std::ostream& out, std::ostream& err)
+    : m_options(options), m_signals(signals), m_out(out), m_err(err), m_trace(err)
+{
+    ONVIF_CLIENT_SetTraceObserver(&m_trace);
+}
+
+CNvrProgram::~CNvrProgram()
+{
+    ONVIF_CLIENT_SetTraceObserver(nullptr);
+}
+
+NvrExit CNvrProgram::Run()
+{
+    if (!m_options.traceFile.empty() && !m_trace.OpenFile(m_options.traceFile))
+    {
+        return Fail(NVR_USAGE, "--trace: cannot write '" + m_options.traceFile + "': " + std::strerror(errno));
+    }
+    if (m_options.command == NvrCommand::Set && !ReadFile())
+    {
+        return NVR_USAGE;
+    }
+    if (!AskForPassword())
+    {
+        return NVR_USAGE;
+    }
+    const std::string address = ResolveHost(m_options.host);
+    if (address.empty())
+    {
+        return Fail(NVR_USAGE, "--host: '" + m_options.host + "' is no IPv4 address and no name that is known");
+    }
+    Progress("logging in to " + address + ":" + std::to_string(m_options.port));
+    const unsigned int error = m_session.Login(m_options, address);
+    if (error != 0)
+    {
+        return Fail(NVR_NO_LOGIN, "login failed with code " + std::to_string(error) + ": " + DescribeLoginError(error));
+    }
+    return RunCommand();
+}
+
+NvrExit CNvrProgram::RunCommand()
+{
+    const std::string problem = NeedProblem();
+    if (!problem.empty())
+    {
+        return Fail(NVR_USAGE, problem);
+    }
+    switch (m_options.command)
+    {
+    case NvrCommand::Login:
+        return ShowLogin();
+    case NvrCommand::Get:
+        return Get();
+    case NvrCommand::Set:
+        return Set();
+    case NvrCommand::Snapshot:
+        return Snapshot();
+    case NvrCommand::Move:
+        return Move();
+    case NvrCommand::Stop:
+        return Stop();
+    case NvrCommand::Presets:
+        return Presets();
+    case NvrCommand::Goto:
+        return Goto();
+    case NvrCommand::Raw:
+        return Raw();
+    }
+    return NVR_USAGE;
+}
+
+NvrExit CNvrProgram::ShowLogin()
+{
+    std::string services;
+    m_session.Get(MakeGetDocument({"serviceUrl"}, {}, {}), services);
+    std::string profiles;
+    const NvrExit status = Fetch({"profiles"}, profiles);
+    if (status == NVR_DONE)
+    {
+        m_out << TabulateServices(services) << "\n" << TabulateProfiles(profiles);
+    }
+    return status;
+}
+
+NvrExit CNvrProgram::Get()
+{
+    std::string answer;
+    const NvrExit status = Fetch(m_options.keys, answer);
+    const bool isRequest = m_options.keys.front() == "pullMessages";
+    m_out << (isRequest ? MaskRequest(answer) : IndentAnswer(answer));
+    return status;
+}
+
+NvrExit CNvrProgram::Raw()
+{
+    m_trace.ShowOn(&m_out);
+    std::string answer;
+    return Fetch(m_options.keys, answer);
+}
+
+// A camera's module and rule are written under the names that a read of this login has found.
+NvrExit CNvrProgram::Set()
+{
+    if (SetDocumentHas(m_document, "motion"))
+    {
+        std::string answer;
+        m_session.Get(MakeGetDocument({"motion"}, {}, {}), answer);
+    }
+    return SendSet(m_document, true);
+}
+
+NvrExit CNvrProgram::SendSet(const std::string& document, bool showsAnswer)
+{
+    std::string answer;
+    const bool good = m_session.Set(document, answer);
+    if (showsAnswer)
+    {
+        m_out << IndentAnswer(answer);
+    }
+    return Judge(good, answer, "the document");
+}
+
+NvrExit CNvrProgram::Snapshot()
+{
+    std::string picture;
+    if (!m_session.Get(MakeGetDocument({"snapshotURI"}, m_options.indexes, {}), picture) || !IsPicture(picture))
+    {
+        return Fail(NVR_FAILED, "no picture came; " + m_trace.LastOutcome() + SEE_TRACE);
+    }
+    std::ofstream file;
+    const bool isFile = m_options.file != "-";
+    if (isFile)
+    {
+        file.open(m_options.file, std::ios::binary | std::ios::trunc);
+    }
+    std::ostream& target = isFile ? file : m_out;
+    target << picture << std::flush;
+    if (!target)
+    {
+        return Fail(NVR_USAGE, "cannot write '" + m_options.file + "': " + std::strerror(errno));
+    }
+    Progress(std::to_string(picture.size()) + " bytes");
+    return NVR_DONE;
+}
+
+// The camera is told to stop also when the answer to the move was lost: it may be moving.
+NvrExit CNvrProgram::Move()
+{
+    CSetDocument move("continuousMove");
+    move.Add({"ptz", "velocity", "x"}, std::to_string(m_options.x));
+    move.Add({"ptz", "velocity", "y"}, std::to_string(m_options.y));
+    move.Add({"ptz", "velocity", "zoom"}, std::to_string(m_options.zoom));
+    const NvrExit moved = SendSet(move.Text(), false);
+    if (moved == NVR_DONE && !WaitForEndOfMove())
+    {
+        Progress("interrupted, stopping the camera");
+    }
+    const NvrExit stopped = SendSet(StopDocument(), false);
+    return moved != NVR_DONE ? moved : stopped;
+}
+
+NvrExit CNvrProgram::Stop()
+{
+    return SendSet(StopDocument(), false);
+}
+
+NvrExit CNvrProgram::Presets()
+{
+    std::string answer;
+    const NvrExit status = Fetch({"presets"}, answer);
+    if (status == NVR_DONE)
+    {
+        m_out << TabulatePresets(answer);
+    }
+    return status;
+}
+
+NvrExit CNvrProgram::Goto()
+{
+    return SendSet(CSetDocument("gotoPreset").Add({"presetToken"}, m_options.preset).Text(), false);
+}
+
+bool CNvrProgram::AskForPassword()
+{
+    if (m_options.user.empty() || m_options.hasPassword)
+    {
+        return true;
+    }
+    if (!ReadHidden("Password of " + m_options.user + ": ", m_options.password))
+    {
+        Fail(NVR_USAGE, std::string("no password: set ") + NVR_PASSWORD_VARIABLE + ", or give --password");
+        return false;
+    }
+    const std::string problem = CredentialsProblem(m_options);
+    return problem.empty() || Fail(NVR_USAGE, problem) == NVR_DONE;
+}
+
+bool CNvrProgram::ReadFile()
+{
+    std::ifstream file;
+    const bool isFile = m_options.file != "-";
+    if (isFile)
+    {
+        file.open(m_options.file, std::ios::binary);
+    }
+    if ((isFile && !file.is_open()) || !ReadAll(isFile ? file : std::cin, m_document))
+    {
+        Fail(NVR_USAGE, "cannot read '" + m_options.file + "', or it has more than 1 MiB");
+        return false;
+    }
+    const std::string problem = SetDocumentProblem(m_document);
+    return problem.empty() || Fail(NVR_USAGE, m_options.file + ": " + problem) == NVR_DONE;
+}
+
+/// What the wanted keys need and the camera has not.
+std::string CNvrProgram::NeedProblem() const
+{
+    const int profiles = m_session.CountProfiles();
+    for (const int index : m_options.indexes)
+    {
+        if (index >= profiles)
+        {
+            return "there is no profile " + std::to_string(index) + ": the camera has " + std::to_string(profiles) +
+                   ", counted from 0; 'login' lists them";
+        }
+    }
+    for (const std::string& name : m_options.keys)
+    {
+        const NvrKey* const key = FindNvrKey(NvrGetKeys(), name);
+        if (profiles == 0 && key != nullptr && key->need != NvrNeed::Nothing)
+        {
+            return "'" + name + "' needs a profile with a video encoder, and the camera has none";
+        }
+    }
+    return {};
+}
+
+NvrExit CNvrProgram::Fetch(const std::vector<std::string>& keys, std::string& answer)
+{
+    const bool good = m_session.Get(MakeGetDocument(keys, m_options.indexes, m_options.fields), answer);
+    while (!answer.empty() && answer.back() == '\0')
+    {
+        answer.pop_back();
+    }
+    std::string names;
+    for (const std::string& key : keys)
+    {
+        names += (names.empty() ? "'" : ", '") + key + "'";
+    }
+    return Judge(good, answer, names);
+}
+
+/// A fault is told by the answer; without an answer, or with one of which a part is missing, the last exchange tells.
+NvrExit CNvrProgram::Judge(bool good, const std::string& answer, const std::string& what)
+{
+    const std::vector<std::string> faults = FaultsOf(answer);
+    for (const std::string& fault : faults)
+    {
+        Fail(NVR_FAILED, fault);
+    }
+    if (!faults.empty())
+    {
+        return NVR_FAILED;
+    }
+    return good && !answer.empty()
+               ? NVR_DONE
+               : Fail(NVR_FAILED, "no usable answer to " + what + "; " + m_trace.LastOutcome() + SEE_TRACE);
+}
+
+/// @return false when a signal came first
+bool CNvrProgram::WaitForEndOfMove() const
+{
+    const timespec limit = {m_options.moveMs / 1000, static_cast<long>(m_options.moveMs % 1000) * 1000000};
+    return sigtimedwait(&m_signals, nullptr, &limit) < 0;
+}
+
+NvrExit CNvrProgram::Fail(NvrExit status, const std::string& message)
+{
+    m_err << "netserver-nvr: " << message << std::endl;
+    return status;
+}
+
+/// For a person who waits; scripts see nothing of it.
+void CNvrProgram::Progress(const std::string& message)
+{
+    if (isatty(STDERR_FILENO) != 0)
+    {
+        m_err << "netserver-nvr: " << message << std::endl;
+    }
+}
