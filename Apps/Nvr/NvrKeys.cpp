@@ -201,10 +201,26 @@ std::string SetDocumentProblem(const std::string& document)
     return {};
 }
 
-bool SetDocumentHas(const std::string& document, const std::string& key)
+std::vector<std::string> SetDocumentKeys(const std::string& document)
 {
     XMLDocument parsed;
     parsed.Parse(document.data(), document.size());
+    std::vector<std::string> keys;
     const XMLElement* const root = parsed.RootElement();
-    return root != nullptr && root->FirstChildElement(key.c_str()) != nullptr;
+    const XMLElement* key = root != nullptr ? root->FirstChildElement() : nullptr;
+    for (; key != nullptr; key = key->NextSiblingElement())
+    {
+        keys.emplace_back(key->Name());
+    }
+    return keys;
+}
+
+bool AnyNeedsProfile(const std::vector<NvrKey>& keys, const std::vector<std::string>& names)
+{
+    return std::any_of(names.begin(), names.end(),
+                       [&keys](const std::string& name)
+                       {
+                           const NvrKey* const key = FindNvrKey(keys, name);
+                           return key != nullptr && key->need != NvrNeed::Nothing;
+                       });
 }

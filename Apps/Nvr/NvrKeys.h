@@ -42,5 +42,8 @@ std::string MakeGetDocument(const std::vector<std::string>& keys, const std::vec
 /// What is wrong with a "Set" document, for a person to read; empty when the library can take it.
 std::string SetDocumentProblem(const std::string& document);
 
-/// Whether a "Set" document has a key.
-bool SetDocumentHas(const std::string& document, const std::string& key);
+/// The keys of a "Set" document.
+std::vector<std::string> SetDocumentKeys(const std::string& document);
+
+/// Whether one of the names is a key that needs a profile.
+bool AnyNeedsProfile(const std::vector<NvrKey>& keys, const std::vector<std::string>& names);

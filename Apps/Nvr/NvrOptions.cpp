@@ -53,7 +53,8 @@ void TakePassword(const RawArguments& raw, NvrOptions& options)
 {
     const char* const variable = std::getenv(NVR_PASSWORD_VARIABLE);
     options.hasPassword = raw.password->count() != 0 || variable != nullptr;
-    if (raw.password->count() == 0 && variable != nullptr)
+    const bool mayBeOfUse = !options.user.empty() || !options.camerasFile.empty();
+    if (raw.password->count() == 0 && variable != nullptr && mayBeOfUse)
     {
         options.password = variable;
     }
@@ -74,6 +75,10 @@ std::string TakeAll(const RawArguments& raw, NvrOptions& options)
     {
         options.indexes = {raw.pictureIndex};
     }
+    if (options.host.empty() && (options.command != NvrCommand::Watch || options.camerasFile.empty()))
+    {
+        return "--host is required";
+    }
     const bool hasKeys = options.command == NvrCommand::Get || options.command == NvrCommand::Raw;
     const std::string problem = hasKeys ? GetKeysProblem(options.keys) : "";
     return problem.empty() ? CredentialsProblem(options) : problem;
@@ -89,7 +94,7 @@ CLI::App* Command(CLI::App& app, NvrOptions& options, NvrCommand command, const 
 
 void DescribeLogin(CLI::App& app, NvrOptions& options, RawArguments& raw)
 {
-    app.add_option("--host", options.host, "Address or name of the camera")->type_name("HOST")->required();
+    app.add_option("--host", options.host, "Address or name of the camera")->type_name("HOST");
     app.add_option("--port", options.port, "Port of its ONVIF services")
         ->type_name("N")
         ->check(CLI::Range(1, 65535).description(""))
@@ -133,6 +138,18 @@ void DescribeMove(CLI::App* sub, NvrOptions& options)
         ->capture_default_str();
 }
 
+void DescribeWatch(CLI::App* sub, NvrOptions& options)
+{
+    sub->add_option("--seconds", options.watchSeconds, "End after so many seconds")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1000000).description(""));
+    sub->add_option("--cameras", options.camerasFile,
+                    "Watch the cameras of a file instead of --host; a line for each:\nHOST[:PORT] [USER [PASSWORD]]")
+        ->type_name("FILE");
+    sub->add_flag("--json", options.json, "Print a JSON object for each line");
+    sub->footer("Cameras that push their events reach this machine on port 6699.");
+}
+
 void Describe(CLI::App& app, NvrOptions& options, RawArguments& raw)
 {
     DescribeLogin(app, options, raw);
@@ -155,6 +172,9 @@ void Describe(CLI::App& app, NvrOptions& options, RawArguments& raw)
     Command(app, options, NvrCommand::Presets, "presets", "List the presets");
     CLI::App* const goTo = Command(app, options, NvrCommand::Goto, "goto", "Move to a preset");
     goTo->add_option("TOKEN", options.preset, "Its token, as 'presets' lists it")->required();
+    DescribeWatch(
+        Command(app, options, NvrCommand::Watch, "watch", "Tell of motion and alarm inputs as they come, until Ctrl-C"),
+        options);
     CLI::App* const rawCommand =
         Command(app, options, NvrCommand::Raw, "raw", "Read settings, and show the SOAP instead of the answer");
     DescribeKeys(rawCommand, options, raw);

@@ -16,6 +16,7 @@ enum class NvrCommand
     Presets,  ///< lists them
     Goto,     ///< moves to one
     Raw,      ///< reads keys and shows the SOAP instead of the answer
+    Watch,    ///< tells of motion and alarm inputs as they come
 };
 
 struct NvrOptions
@@ -37,7 +38,10 @@ struct NvrOptions
     int y = 0;
     int zoom = 0;
     unsigned int moveMs = 500;
-    std::string preset; ///< of Goto
+    std::string preset;            ///< of Goto
+    std::string camerasFile;       ///< of Watch; empty: the one camera of the login
+    unsigned int watchSeconds = 0; ///< 0: until a signal
+    bool json = false;             ///< of Watch
 };
 
 /// Environment variable with the password.

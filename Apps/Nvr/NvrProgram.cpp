@@ -2,13 +2,16 @@
 
 #include "NvrAnswer.h"
 #include "NvrKeys.h"
+#include "NvrWatch.h"
 #include "OnvifSDK.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iostream>
-#include <iterator>
+#include <memory>
 #include <ostream>
 
 #include <termios.h>
@@ -20,6 +23,7 @@ namespace
 {
 
 constexpr std::size_t LARGEST_DOCUMENT = 1 << 20;
+constexpr char INTERRUPT = '\x03'; // Ctrl-C
 const char* const SEE_TRACE = "; --trace FILE shows the exchanges";
 
 /// A "Set" document with one key and texts at paths of up to three names below it.
@@ -64,24 +68,27 @@ std::string StopDocument()
     return CSetDocument("ptzStop").Add({"panTilt"}, "true").Add({"zoom"}, "true").Text();
 }
 
-/// Reads a line from the terminal without showing it. @return false without a terminal
+/// Reads a line from the terminal without showing it. @return false without a terminal, and when it is given up
 bool ReadHidden(const std::string& prompt, std::string& line)
 {
-    std::fstream terminal("/dev/tty");
-    const int fd = STDIN_FILENO;
+    const std::unique_ptr<FILE, int (*)(FILE*)> terminal(std::fopen("/dev/tty", "r+"), &std::fclose);
     termios shown = {};
-    if (!terminal.is_open() || tcgetattr(fd, &shown) != 0)
+    if (terminal == nullptr || tcgetattr(fileno(terminal.get()), &shown) != 0)
     {
         return false;
     }
+    const int fd = fileno(terminal.get());
     termios hidden = shown;
-    hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO | ISIG); // a signal would leave the terminal without its echo
     tcsetattr(fd, TCSAFLUSH, &hidden);
-    terminal << prompt << std::flush;
-    const bool read = static_cast<bool>(std::getline(std::cin, line));
+    std::fputs(prompt.c_str(), terminal.get());
+    std::fflush(terminal.get());
+    char text[256] = {};
+    const bool read = std::fgets(text, sizeof(text), terminal.get()) != nullptr;
     tcsetattr(fd, TCSAFLUSH, &shown);
-    terminal << std::endl;
-    return read;
+    std::fputs("\n", terminal.get());
+    line.assign(text, std::strcspn(text, "\n"));
+    return read && line.find(INTERRUPT) == std::string::npos;
 }
 
 bool ReadAll(std::istream& in, std::string& text)
@@ -120,6 +127,10 @@ NvrExit CNvrProgram::Run()
     if (!AskForPassword())
     {
         return NVR_USAGE;
+    }
+    if (m_options.command == NvrCommand::Watch)
+    {
+        return Watch();
     }
     const std::string address = ResolveHost(m_options.host);
     if (address.empty())
@@ -162,6 +173,8 @@ NvrExit CNvrProgram::RunCommand()
         return Goto();
     case NvrCommand::Raw:
         return Raw();
+    case NvrCommand::Watch:
+        break; // has logins of its own
     }
     return NVR_USAGE;
 }
@@ -198,7 +211,8 @@ NvrExit CNvrProgram::Raw()
 // A camera's module and rule are written under the names that a read of this login has found.
 NvrExit CNvrProgram::Set()
 {
-    if (SetDocumentHas(m_document, "motion"))
+    const std::vector<std::string> keys = SetDocumentKeys(m_document);
+    if (std::find(keys.begin(), keys.end(), "motion") != keys.end())
     {
         std::string answer;
         m_session.Get(MakeGetDocument({"motion"}, {}, {}), answer);
@@ -277,6 +291,44 @@ NvrExit CNvrProgram::Goto()
     return SendSet(CSetDocument("gotoPreset").Add({"presetToken"}, m_options.preset).Text(), false);
 }
 
+/// Goes on with the cameras that can be logged in to.
+NvrExit CNvrProgram::Watch()
+{
+    std::vector<NvrCamera> cameras;
+    if (!ReadCameras(cameras))
+    {
+        return NVR_USAGE;
+    }
+    CNvrWatch watch(m_out, m_options.json);
+    bool isAnyWatched = false;
+    for (const NvrCamera& camera : cameras)
+    {
+        const std::string name = camera.host + ":" + std::to_string(camera.port);
+        const std::string address = ResolveHost(camera.host);
+        if (address.empty())
+        {
+            Fail(NVR_NO_LOGIN, name + ": no IPv4 address and no name that is known");
+            continue;
+        }
+        Progress("logging in to " + name);
+        const unsigned int error = watch.Add(camera, address);
+        if (error != 0)
+        {
+            Fail(NVR_NO_LOGIN,
+                 name + ": login failed with code " + std::to_string(error) + ": " + DescribeLoginError(error));
+            continue;
+        }
+        isAnyWatched = true;
+    }
+    if (!isAnyWatched)
+    {
+        return NVR_NO_LOGIN;
+    }
+    Progress("watching, Ctrl-C ends it");
+    WaitForEndOfWatch();
+    return NVR_DONE;
+}
+
 bool CNvrProgram::AskForPassword()
 {
     if (m_options.user.empty() || m_options.hasPassword)
@@ -309,7 +361,42 @@ bool CNvrProgram::ReadFile()
     return problem.empty() || Fail(NVR_USAGE, m_options.file + ": " + problem) == NVR_DONE;
 }
 
-/// What the wanted keys need and the camera has not.
+bool CNvrProgram::ReadCameras(std::vector<NvrCamera>& cameras)
+{
+    if (m_options.camerasFile.empty())
+    {
+        cameras.push_back({m_options.host, m_options.port, m_options.user, m_options.password});
+        return true;
+    }
+    std::ifstream file(m_options.camerasFile, std::ios::binary);
+    std::string text;
+    if (!file.is_open() || !ReadAll(file, text))
+    {
+        Fail(NVR_USAGE, "--cameras: cannot read '" + m_options.camerasFile + "', or it has more than 1 MiB");
+        return false;
+    }
+    const std::string problem = ReadNvrCameras(text, m_options, cameras);
+    return problem.empty() || Fail(NVR_USAGE, m_options.camerasFile + ": " + problem) == NVR_DONE;
+}
+
+/// Whether the command is about a profile, of which a camera may have none.
+bool CNvrProgram::NeedsProfile() const
+{
+    switch (m_options.command)
+    {
+    case NvrCommand::Move:
+    case NvrCommand::Stop:
+    case NvrCommand::Presets:
+    case NvrCommand::Goto:
+        return true;
+    case NvrCommand::Set:
+        return AnyNeedsProfile(NvrSetKeys(), SetDocumentKeys(m_document));
+    default:
+        return AnyNeedsProfile(NvrGetKeys(), m_options.keys);
+    }
+}
+
+/// What the command needs and the camera has not.
 std::string CNvrProgram::NeedProblem() const
 {
     const int profiles = m_session.CountProfiles();
@@ -321,15 +408,7 @@ std::string CNvrProgram::NeedProblem() const
                    ", counted from 0; 'login' lists them";
         }
     }
-    for (const std::string& name : m_options.keys)
-    {
-        const NvrKey* const key = FindNvrKey(NvrGetKeys(), name);
-        if (profiles == 0 && key != nullptr && key->need != NvrNeed::Nothing)
-        {
-            return "'" + name + "' needs a profile with a video encoder, and the camera has none";
-        }
-    }
-    return {};
+    return profiles == 0 && NeedsProfile() ? "this needs a profile with a video encoder, and the camera has none" : "";
 }
 
 NvrExit CNvrProgram::Fetch(const std::vector<std::string>& keys, std::string& answer)
@@ -369,6 +448,14 @@ bool CNvrProgram::WaitForEndOfMove() const
 {
     const timespec limit = {m_options.moveMs / 1000, static_cast<long>(m_options.moveMs % 1000) * 1000000};
     return sigtimedwait(&m_signals, nullptr, &limit) < 0;
+}
+
+void CNvrProgram::WaitForEndOfWatch() const
+{
+    const timespec limit = {static_cast<time_t>(m_options.watchSeconds), 0};
+    while (sigtimedwait(&m_signals, nullptr, m_options.watchSeconds != 0 ? &limit : nullptr) < 0 && errno == EINTR)
+    {
+    }
 }
 
 NvrExit CNvrProgram::Fail(NvrExit status, const std::string& message)

@@ -1,8 +1,10 @@
 // NvrProgram.h: what netserver-nvr does, from the login to its exit status.
 //
-// One thread. A signal that ends the program during a move stops the camera first.
+// One thread. A signal that ends the program during a move stops the camera first; during a watch the library calls on
+// a thread of its own.
 #pragma once
 
+#include "NvrCameras.h"
 #include "NvrOptions.h"
 #include "NvrSession.h"
 #include "NvrTrace.h"
@@ -23,7 +25,7 @@ enum NvrExit
 class CNvrProgram
 {
 public:
-    /// @param signals  blocked ones that end a move
+    /// @param signals  blocked ones that end a move or a watch
     CNvrProgram(const NvrOptions& options, const sigset_t& signals, std::ostream& out, std::ostream& err);
     ~CNvrProgram();
     CNvrProgram(const CNvrProgram&) = delete;
@@ -43,9 +45,13 @@ private:
     NvrExit Stop();
     NvrExit Presets();
     NvrExit Goto();
+    NvrExit Watch();
 
     bool AskForPassword();
     bool ReadFile();
+    bool ReadCameras(std::vector<NvrCamera>& cameras);
+    void WaitForEndOfWatch() const;
+    bool NeedsProfile() const;
     std::string NeedProblem() const;
     NvrExit Fetch(const std::vector<std::string>& keys, std::string& answer);
     NvrExit Judge(bool good, const std::string& answer, const std::string& what);

@@ -9,14 +9,14 @@
 namespace
 {
 
-/// A move takes these signals itself; everything else ends at once.
+/// A move and a watch take these signals themselves; everything else ends at once.
 sigset_t TakeSignals(NvrCommand command)
 {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
-    if (command == NvrCommand::Move)
+    if (command == NvrCommand::Move || command == NvrCommand::Watch)
     {
         pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     }

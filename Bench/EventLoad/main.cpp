@@ -7,6 +7,7 @@
 #include "AlarmStateObserver.h"
 #include "BenchTools.h"
 #include "OnvifDeviceSimulator.h"
+#include "OnvifNotification.h"
 #include "OnvifSDK.h"
 #include "ShareSDK.h"
 
@@ -126,35 +127,13 @@ void MakeUnreachable(unsigned short port)
     }
 }
 
-/// One notification, as a camera posts it. @return when its last byte was handed to the system; 0 on failure
-std::uint64_t Post(const std::string& to, bool state)
+/// One notification, as a camera posts it. @return whether it was acknowledged
+bool Post(const std::string& to, bool state)
 {
-    const std::string body =
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"
-        "<s:Envelope xmlns:s=\"http://www.w3.org/2003/05/soap-envelope\""
-        " xmlns:wsa=\"http://www.w3.org/2005/08/addressing\" xmlns:wsnt=\"http://docs.oasis-open.org/wsn/b-2\""
-        " xmlns:tt=\"http://www.onvif.org/ver10/schema\"><s:Header><wsa:To>" +
-        to +
-        "</wsa:To></s:Header><s:Body><wsnt:Notify><wsnt:NotificationMessage>"
-        "<wsnt:Topic>tns1:RuleEngine/CellMotionDetector/Motion</wsnt:Topic><wsnt:Message><tt:Message><tt:Data>"
-        "<tt:SimpleItem Name=\"IsMotion\" Value=\"" +
-        (state ? "true" : "false") +
-        "\"/></tt:Data></tt:Message></wsnt:Message></wsnt:NotificationMessage></wsnt:Notify></s:Body></s:Envelope>";
-    const std::string request = "POST / HTTP/1.1\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
-    const int connection = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const sockaddr_in nvr = Loopback(NOTIFICATION_PORT);
-    std::uint64_t sentNs = 0;
-    if (connect(connection, reinterpret_cast<const sockaddr*>(&nvr), sizeof(nvr)) == 0 &&
-        send(connection, request.data(), request.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(request.size()))
-    {
-        sentNs = NowNs();
-        char answer[512];
-        while (recv(connection, answer, sizeof(answer), 0) > 0)
-        {
-        }
-    }
-    close(connection);
-    return sentNs;
+    OnvifNotification notification;
+    notification.to = to;
+    notification.messages.push_back({ONVIF_MOTION_TOPIC, state ? "true" : "false", ""});
+    return !PostOnvifNotification(NOTIFICATION_PORT, notification).empty();
 }
 
 /// The cameras' process.
@@ -195,8 +174,7 @@ std::uint64_t Post(const std::string& to, bool state)
             ++shared.changes;
             if (options.mode == "push")
             {
-                const std::uint64_t sentNs = Post(cameras[i]->Value("subscribe.consumer"), state);
-                Require(sentNs != 0, "a notification could not be posted");
+                Require(Post(cameras[i]->Value("subscribe.consumer"), state), "a notification could not be posted");
             }
             else
             {

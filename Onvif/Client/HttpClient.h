@@ -98,7 +98,7 @@ public:
     /// Judges an answer without looking at its status line. @param xml  receives the document
     /// @return ONVIF_OK, ONVIF_NO_XML, ONVIF_NO_ENVELOPE or ONVIF_UNAUTHORIZED
     static int HttpRespCheck(const char* reply, std::string& xml);
-    /// One exchange with a path of the caller's. @param request  SOAP; receives what was sent
+    /// One exchange with a path of the caller's. @param request  SOAP without credentials; stays as it is
     /// @return as HttpRespCheck
     int MakeUpSend(const std::string& url, std::string& request, std::string& response, int timeoutMs);
 

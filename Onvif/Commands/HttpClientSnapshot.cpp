@@ -37,6 +37,9 @@ struct PictureUrl
 
 PictureUrl Split(std::string url)
 {
+    const char* const BLANKS = " \t\r\n"; // cameras that indent their documents have them around a URL
+    url.erase(url.find_last_not_of(BLANKS) + 1);
+    url.erase(0, url.find_first_not_of(BLANKS));
     const std::size_t scheme = url.find('/');
     if (scheme != std::string::npos)
     {

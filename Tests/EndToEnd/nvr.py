@@ -12,11 +12,11 @@ LIMIT = 60  # seconds; a login in which nothing answers takes 40
 class Simulator:
     """A camera with the user admin and the password secret, for the time of `with`."""
 
-    def __init__(self, dialect="Ours"):
-        self.dialect = dialect
+    def __init__(self, dialect="Ours", profiles=2):
+        self.options = ["--dialect", dialect, "--profiles", str(profiles)]
 
     def __enter__(self):
-        self.process = subprocess.Popen([SIMULATOR, "--dialect", self.dialect], stdin=subprocess.PIPE,
+        self.process = subprocess.Popen([SIMULATOR, *self.options], stdin=subprocess.PIPE,
                                         stdout=subprocess.PIPE)
         self.port = int(self.process.stdout.readline())
         return self

@@ -181,6 +181,29 @@ class Commands(unittest.TestCase):
         os.close(terminal)
         self.assertNotIn(b"secret", shown)
 
+    def test_the_password_is_asked_for_when_the_document_comes_by_standard_input(self):
+        document = self.trace.with_name("document")
+        document.write_text(set_document("<gotoPreset><presetToken>1</presetToken></gotoPreset>"))
+        pid, terminal = pty.fork()
+        if pid == 0:
+            os.dup2(os.open(document, os.O_RDONLY), 0)
+            os.execve(nvr.NVR, [nvr.NVR, *self.camera.login(), "set", "-"], nvr.environment(None))
+        self.read_until(terminal, b"Password of admin: ")
+        os.write(terminal, b"secret\n")
+        self.read_until(terminal, b"success")
+        self.assertEqual(0, os.waitstatus_to_exitcode(os.waitpid(pid, 0)[1]))
+        os.close(terminal)
+
+    def test_a_password_that_is_given_up_ends_the_tool(self):
+        pid, terminal = pty.fork()
+        if pid == 0:
+            os.execve(nvr.NVR, [nvr.NVR, *self.camera.login(), "stop"], nvr.environment(None))
+        self.read_until(terminal, b"Password of admin: ")
+        os.write(terminal, b"sec\x03\n")
+        self.read_until(terminal, b"no password")
+        self.assertEqual(2, os.waitstatus_to_exitcode(os.waitpid(pid, 0)[1]))
+        os.close(terminal)
+
     def read_until(self, terminal, text):
         shown = b""
         while text not in shown:
@@ -221,6 +244,17 @@ class Failures(unittest.TestCase):
             status, out, err = self.camera.run(*command, text_in=text_in)
             self.assertEqual((2, ""), (status, out), command)
             self.assertIn(message, err)
+
+    def test_a_camera_without_profiles_is_told_with_status_2(self):
+        with Simulator(profiles=0) as camera:
+            self.assertEqual(0, camera.run("login")[0])
+            self.assertEqual(0, camera.run("get", "streamCount", "ipv4")[0])
+            for command, text_in in [(["stop"], None), (["move", "1", "1", "1"], None), (["presets"], None),
+                                     (["get", "imageOpts"], None), (["get", "profile"], None), (["goto", "1"], None),
+                                     (["set", "-"], set_document("<ipv4/><ptzStop/>"))]:
+                self.assertEqual((2, "", "netserver-nvr: this needs a profile with a video encoder, and the camera has "
+                                         "none\n"), camera.run(*command, text_in=text_in), command)
+            self.assertIn("there is no profile 0", camera.run("snapshot", "0", "/dev/null")[2])
 
     def test_a_refused_login_is_told_with_status_3(self):
         status, out, err = nvr.run(*self.camera.login(), "login", password="wrong")

@@ -1,5 +1,9 @@
 // The keys of media, imaging, PTZ, motion and relays, from the host's document to a camera and back, in each dialect.
 #include "OnvifFixture.h"
+#include "OnvifTraceObserver.h"
+
+#include <atomic>
+#include <thread>
 
 namespace
 {
@@ -273,6 +277,50 @@ TEST_P(OnvifCommandKeys, AddsTheAnswersOfSeveralKeys)
     EXPECT_EQ("<alarmin><status>success</status><token>Input1</token><token>Input2</token></alarmin>"
               "<streamCount>2</streamCount>",
               Get("<alarmin/><streamCount/>"));
+}
+
+class OnvifCommandThreads : public OnvifFixture
+{
+};
+
+// Reads that refresh the profiles, reads and writes that work on them, and an observer, all of one login.
+TEST_F(OnvifCommandThreads, ShareOneLogin)
+{
+    class CountingObserver : public CONVIFTraceObserver
+    {
+    public:
+        void OnExchange(const ONVIF_TRACE& /*trace*/) override { ++count; }
+        std::atomic<unsigned int> count{0};
+    };
+    m_simulator = std::make_unique<OnvifDeviceSimulator>();
+    const unsigned int token = Login();
+    Get(token, "<motion/>");
+    m_simulator->Forget();
+    CountingObserver observer;
+    ONVIF_CLIENT_SetTraceObserver(&observer);
+    const std::string gets[] = {"<profiles/>", "<motion/>", "<snapshotURI><index>0</index></snapshotURI>",
+                                "<presets/>"};
+    std::vector<std::thread> threads;
+    for (const std::string& keys : gets)
+    {
+        threads.emplace_back(
+            [&keys, token]
+            {
+                for (int i = 0; i < 10; ++i)
+                {
+                    char* response = nullptr;
+                    EXPECT_TRUE(ONVIF_CLIENT_GetCfg(token, ("<Get>" + keys + "</Get>").c_str(), response, nullptr));
+                    ONVIF_CLIENT_DelResponseBuff(response);
+                }
+            });
+    }
+    for (std::thread& thread : threads)
+    {
+        thread.join();
+    }
+    ONVIF_CLIENT_SetTraceObserver(nullptr);
+    EXPECT_EQ(m_simulator->Requests().size(), observer.count);
+    EXPECT_EQ(60U, observer.count); // motion and pictures take two exchanges
 }
 
 INSTANTIATE_TEST_SUITE_P(Dialects, OnvifCommandKeys, testing::ValuesIn(OnvifDialectNames()),

@@ -1,6 +1,7 @@
 // One exchange with cameras of all manners: what counts as an answer, and how long it may take.
 #include "HttpClient.h"
 #include "OnvifFixture.h"
+#include "Peer.h"
 
 #include <chrono>
 
@@ -230,6 +231,16 @@ TEST_F(OnvifExchange, LeavesTabsOfValuesOut)
     EXPECT_EQ("false", OnvifSoapRequest(m_simulator->LastRequest().soap).Text("FromDHCP"));
 }
 
+// The name loses its TAB on the way; what the password's TAB was digested into stays.
+TEST_F(OnvifExchange, LeavesTabsOfTheUserOutButNotOfThePassword)
+{
+    OnvifSimulatorOptions options;
+    options.password = "se\tcret";
+    Start(options);
+    m_client = std::make_unique<CHttpClient>("ad\tmin", "se\tcret", "127.0.0.1", m_simulator->Port());
+    EXPECT_EQ("0" + DEV_INFO, DeviceInformation());
+}
+
 // The device counts the bytes that come.
 TEST_F(OnvifExchange, AnnouncesTheLengthWithoutTabs)
 {
@@ -255,6 +266,16 @@ TEST_F(OnvifExchange, HasANonceOfItsOwnEachTime)
     {
         EXPECT_EQ("0" + DEV_INFO, DeviceInformation()); // the camera takes no nonce twice
     }
+}
+
+// That the simulated camera looks at what it is sent.
+TEST_F(OnvifExchange, IsNotRepeatedByAThirdParty)
+{
+    EXPECT_EQ("0" + DEV_INFO, DeviceInformation());
+    const std::string request = m_simulator->LastRequest().http;
+    Peer peer(m_simulator->Port());
+    peer.Send(request);
+    EXPECT_EQ("HTTP/1.1 401 Unauthorized\r\n", peer.ReadUntil("\r\n"));
 }
 
 TEST_F(OnvifExchange, RefusesNoAddressOrBuffer)

@@ -102,10 +102,11 @@ struct UrlCase
 
 TEST_F(OnvifSnapshot, TakesPortAndPathOfTheUrl)
 {
-    const UrlCase cases[] = {{"", ""}, {"/", ""}, {"/a/b.jpg?c=d:e", "a/b.jpg?c=d:e"}, {"//a", "/a"}};
+    const UrlCase cases[] = {
+        {"", ""}, {"/", ""}, {"/a/b.jpg?c=d:e", "a/b.jpg?c=d:e"}, {"//a", "/a"}, {"/a.jpg\n ", "a.jpg"}};
     for (const UrlCase& one : cases)
     {
-        FetchUrl(Url(one.rest));
+        FetchUrl("\n" + Url(one.rest));
         EXPECT_EQ(one.path, m_simulator->LastRequest().path) << one.rest;
     }
 }

@@ -110,7 +110,17 @@ INSTANTIATE_TEST_SUITE_P(Documents, NvrSetDocument, testing::ValuesIn(DOCUMENT_C
 
 TEST(NvrKeys, AreFoundInASetDocument)
 {
-    EXPECT_TRUE(SetDocumentHas("<Set><dns/><motion/></Set>", "motion"));
-    EXPECT_FALSE(SetDocumentHas("<Set><dns><motion/></dns></Set>", "motion"));
-    EXPECT_FALSE(SetDocumentHas("", "motion"));
+    EXPECT_EQ((std::vector<std::string>{"dns", "motion"}), SetDocumentKeys("<Set><dns><ip/></dns><motion/></Set>"));
+    EXPECT_TRUE(SetDocumentKeys("<Set/>").empty());
+    EXPECT_TRUE(SetDocumentKeys("").empty());
+}
+
+TEST(NvrKeys, TellWhetherTheyNeedAProfile)
+{
+    EXPECT_TRUE(AnyNeedsProfile(NvrGetKeys(), {"dns", "presets"}));
+    EXPECT_TRUE(AnyNeedsProfile(NvrGetKeys(), {"streamURI"}));
+    EXPECT_TRUE(AnyNeedsProfile(NvrSetKeys(), {"ptzStop"}));
+    EXPECT_FALSE(AnyNeedsProfile(NvrSetKeys(), {"dns", "motion"}));
+    EXPECT_FALSE(AnyNeedsProfile(NvrSetKeys(), {"nix"}));
+    EXPECT_FALSE(AnyNeedsProfile(NvrSetKeys(), {}));
 }

@@ -76,6 +76,12 @@ TEST_F(NvrOptionsTest, TakesThePasswordOfTheEnvironment)
     EXPECT_TRUE(parsed.options.hasPassword);
 }
 
+TEST_F(NvrOptionsTest, TakesNoPasswordOfTheEnvironmentWithoutAUser)
+{
+    setenv(NVR_PASSWORD_VARIABLE, "hidden", 1);
+    EXPECT_EQ("", Parse({"--host", "cam", "login"}).options.password);
+}
+
 TEST_F(NvrOptionsTest, PrefersThePasswordOfTheCommandLine)
 {
     setenv(NVR_PASSWORD_VARIABLE, "hidden", 1);

@@ -7,6 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+
 namespace
 {
 
@@ -385,6 +389,47 @@ TEST(XmlTransform, SortsServicesByTheirNamespaces)
     Table services;
     CXmlTransform::TransGetServers(Soap(ServicesBody(), OLD_ENVELOPE), services);
     EXPECT_EQ(SERVICES, services);
+}
+
+/// What is logged while it lives.
+class Log
+{
+public:
+    Log() { SHARESDK_LogToFile(m_path.c_str(), 1 << 20, 1); }
+    ~Log()
+    {
+        SHARESDK_LogToConsole();
+        std::remove(m_path.c_str());
+    }
+    Log(const Log&) = delete;
+    Log& operator=(const Log&) = delete;
+
+    std::string Text() const
+    {
+        std::ifstream file(m_path);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+
+private:
+    const std::string m_path = testing::TempDir() + "onvif-transform.log";
+};
+
+TEST(XmlTransform, TellsTheLogOfAServiceThatItDoesNotKnow)
+{
+    const Log log;
+    Table services;
+    CXmlTransform::TransGetServers(
+        Soap("<tds:GetServicesResponse>" + Service("http://h/advancedsecurity", "p") + "</tds:GetServicesResponse>"),
+        services);
+    EXPECT_TRUE(services.empty());
+    EXPECT_NE(std::string::npos, log.Text().find("Warning, unknowed service address!!")) << log.Text();
+}
+
+TEST(XmlTransform, TellsTheLogOfADeviceWithoutInterfaces)
+{
+    const Log log;
+    Transformed(&CXmlTransform::TransGetNetworkInterface, Soap("<tds:GetNetworkInterfacesResponse/>"));
+    EXPECT_NE(std::string::npos, log.Text().find("ASSERT")) << log.Text();
 }
 
 TEST(XmlTransform, FindsNoServicesInAFaultOrNothing)

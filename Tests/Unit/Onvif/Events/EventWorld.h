@@ -6,6 +6,7 @@
 #include "HttpClientManager.h"
 #include "NetSocket.h"
 #include "OnvifDeviceSimulator.h"
+#include "OnvifNotification.h"
 #include "ShareSDK.h"
 
 #include <algorithm>
@@ -76,30 +77,40 @@ inline bool RepeatUntil(
     return isSo();
 }
 
-inline std::string Message(const std::string& topic, const std::string& value, const std::string& reference = "")
+/// Messages of a notification; a sum of them is sent in one.
+class Messages
 {
-    return "<wsnt:NotificationMessage>" +
-           (reference.empty() ? ""
-                              : "<wsnt:SubscriptionReference><wsa:Address>" + reference +
-                                    "</wsa:Address></wsnt:SubscriptionReference>") +
-           "<wsnt:Topic>" + topic +
-           "</wsnt:Topic><wsnt:Message><tt:Message><tt:Source><tt:SimpleItem Name=\"Token\" Value=\"S1\"/></tt:Source>"
-           "<tt:Data><tt:SimpleItem Name=\"State\" Value=\"" +
-           value + "\"/></tt:Data></tt:Message></wsnt:Message></wsnt:NotificationMessage>";
+public:
+    Messages() = default;
+    Messages(const std::string& topic, const std::string& value, const std::string& reference = "")
+        : list({{topic, value, reference}})
+    {
+    }
+    Messages operator+(const Messages& other) const
+    {
+        Messages sum = *this;
+        sum.list.insert(sum.list.end(), other.list.begin(), other.list.end());
+        return sum;
+    }
+
+    std::vector<OnvifNotification::Message> list;
+};
+
+inline Messages Message(const std::string& topic, const std::string& value, const std::string& reference = "")
+{
+    return {topic, value, reference};
 }
 
-inline std::string Notify(const std::string& to, const std::string& messages)
+inline OnvifNotification Notification(const std::string& to, const Messages& messages)
 {
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"
-           "<SOAP-ENV:Envelope xmlns:SOAP-ENV=\"http://www.w3.org/2003/05/soap-envelope\""
-           " xmlns:wsa=\"http://www.w3.org/2005/08/addressing\" xmlns:wsnt=\"http://docs.oasis-open.org/wsn/b-2\""
-           " xmlns:tt=\"http://www.onvif.org/ver10/schema\"><SOAP-ENV:Header>" +
-           (to.empty() ? "" : "<wsa:To>" + to + "</wsa:To>") + "</SOAP-ENV:Header><SOAP-ENV:Body><wsnt:Notify>" +
-           messages + "</wsnt:Notify></SOAP-ENV:Body></SOAP-ENV:Envelope>";
+    OnvifNotification notification;
+    notification.to = to;
+    notification.messages = messages.list;
+    return notification;
 }
 
-inline constexpr const char* MOTION_TOPIC = "tns1:RuleEngine/CellMotionDetector/Motion";
-inline constexpr const char* INPUT_TOPIC = "tns1:Device/Trigger/DigitalInput";
+inline constexpr const char* MOTION_TOPIC = ONVIF_MOTION_TOPIC;
+inline constexpr const char* INPUT_TOPIC = ONVIF_INPUT_TOPIC;
 
 /// A clock that stands still, and logins to simulated cameras.
 class EventWorld : public testing::Test

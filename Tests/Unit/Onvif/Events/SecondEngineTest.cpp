@@ -30,13 +30,11 @@ protected:
         EventWorld::TearDown();
     }
 
-    void Push(const std::string& messages) { PushTo(m_camera.Value("subscribe.consumer"), messages); }
-    void PushTo(const std::string& to, const std::string& messages)
+    void Push(const Messages& messages) { PushTo(m_camera.Value("subscribe.consumer"), messages); }
+    void PushTo(const std::string& to, const Messages& messages)
     {
-        const std::string body = Notify(to, messages);
-        Peer peer(m_port);
-        peer.Send("POST / HTTP/1.1\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
-        EXPECT_THAT(peer.ReadAll(), testing::StartsWith("HTTP/1.1 200 OK\r\n"));
+        EXPECT_THAT(PostOnvifNotification(m_port, Notification(to, messages)),
+                    testing::StartsWith("HTTP/1.1 200 OK\r\n"));
     }
     void Pass(unsigned int ms = 100)
     {
@@ -126,7 +124,7 @@ TEST_F(NotifyObserver, EmptyNotificationGetsNoAnswer)
 {
     Peer peer(m_port);
     peer.Send("POST / HTTP/1.1\r\nContent-Length: 0\r\n\r\n");
-    PushTo("http://elsewhere/", "");
+    PushTo("http://elsewhere/", {});
     EXPECT_FALSE(peer.IsClosedNow());
     EXPECT_EQ("", peer.Drain());
 }
