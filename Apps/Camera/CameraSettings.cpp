@@ -1,7 +1,12 @@
 #include "CameraSettings.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
+
+#include <fcntl.h>
+#include <sys/file.h>
 
 namespace
 {
@@ -59,6 +64,19 @@ bool MakeDirectory(const std::string& path, std::string& problem)
     if (!fs::is_directory(path))
     {
         problem = path + ": " + (error ? error.message() : "is no directory");
+        return false;
+    }
+    return true;
+}
+
+bool LockDirectory(const std::string& path, std::string& problem)
+{
+    // Left open: the lock goes with the process, however that ends.
+    const int directory = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (directory < 0 || flock(directory, LOCK_EX | LOCK_NB) != 0)
+    {
+        problem =
+            path + ": " + (errno == EWOULDBLOCK ? "is in use by another camera; give --data-dir" : strerror(errno));
         return false;
     }
     return true;

@@ -15,3 +15,7 @@ std::string WebRoot(const CameraOptions& options);
 
 /// Makes a directory with all above it. @param problem  receives why not
 bool MakeDirectory(const std::string& path, std::string& problem);
+
+/// Keeps the directory to this process until its end: two cameras would remove each other's recordings.
+/// @return false when another process has it
+bool LockDirectory(const std::string& path, std::string& problem);

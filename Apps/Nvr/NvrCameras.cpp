@@ -23,7 +23,7 @@ std::string TakeLine(const std::string& line, const NvrOptions& options, std::ve
     NvrCamera camera;
     camera.port = options.port;
     camera.user = options.user;
-    camera.password = options.password;
+    camera.password = options.user.empty() ? "" : options.password;
     std::istringstream words(line);
     if (!(words >> camera.host) || camera.host.front() == '#')
     {

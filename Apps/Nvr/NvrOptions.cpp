@@ -53,7 +53,8 @@ void TakePassword(const RawArguments& raw, NvrOptions& options)
 {
     const char* const variable = std::getenv(NVR_PASSWORD_VARIABLE);
     options.hasPassword = raw.password->count() != 0 || variable != nullptr;
-    if (raw.password->count() == 0 && variable != nullptr && !options.user.empty())
+    const bool mayBeOfUse = !options.user.empty() || !options.camerasFile.empty();
+    if (raw.password->count() == 0 && variable != nullptr && mayBeOfUse)
     {
         options.password = variable;
     }

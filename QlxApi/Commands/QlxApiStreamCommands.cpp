@@ -2,6 +2,7 @@
 // frame on request.
 #include "QlxApiProtocolProc.h"
 
+#include "Limits.h"
 #include "QlxApiCall.h"
 #include "QlxApiFields.h"
 #include "QlxApiXmlFmt.h"
@@ -15,7 +16,6 @@ namespace
 using CAPS = NETNS::DEV_VIDEO_ENCODE_CAPS;
 using PROFILE = NETNS::DEV_VIDEO_PROFILE;
 
-const int STREAMS_MAX = 64; // more than any camera has; a host that reports more gets these shown
 const std::uint32_t RESOLUTIONS_MAX = std::size(CAPS().resolutions);
 const int PROFILE_NAME_SIZE = 128;
 
@@ -165,7 +165,7 @@ int CQLXApiProc::GetStreamCaps(const std::string& ip, const CHttpProtocolAnalyse
                                CHttpProtocolAnalyse& response)
 {
     CQlxApiCall call(ip, request, response);
-    const int count = std::min(m_dev->GetProfileCount(call.Channel()), STREAMS_MAX);
+    const int count = std::min(m_dev->GetProfileCount(call.Channel()), LIMIT_CHANNEL_STREAMS);
     if (count <= 0)
     {
         return call.Answer(QLX_API_ERR_NOT_SUPPORT);
@@ -210,7 +210,7 @@ int CQLXApiProc::GetVideoStreamCfg(const std::string& ip, const CHttpProtocolAna
                                    CHttpProtocolAnalyse& response)
 {
     CQlxApiCall call(ip, request, response);
-    const int count = std::min(m_dev->GetProfileCount(call.Channel()), STREAMS_MAX);
+    const int count = std::min(m_dev->GetProfileCount(call.Channel()), LIMIT_CHANNEL_STREAMS);
     CQLXXMLParse document(CQlxApiXmlFmt::GetVideoStreamCfg());
     CItemList streams(document, document.GetFirstItem("config/streams"));
     if (count <= 0 || !streams.HasPattern())

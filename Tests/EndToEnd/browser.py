@@ -37,7 +37,7 @@ class Browser:
             ["chromium", "--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
              "--disable-background-networking", "--disable-component-update", "--disable-sync",
              "--disable-dev-shm-usage", "--remote-debugging-pipe", "--user-data-dir=" + self.profile.name,
-             "--window-size=%d,%d" % self.size, "about:blank"],
+             "--hide-scrollbars", "--window-size=%d,%d" % self.size, "about:blank"],
             stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, preexec_fn=place,
             pass_fds=(3, 4))
         os.close(to_browser)
@@ -117,7 +117,7 @@ class Browser:
 
     def view(self, name):
         """Goes to a view by its link and waits until all of it is there."""
-        self.run("document.querySelector('nav a[href=\"#%s\"]').click()" % name)
+        self.run("document.querySelector('nav a[href=\"#/%s\"]').click()" % name)
         self.wait("document.body.dataset.loaded === '%s'" % name)
 
     def fill(self, selector, value):

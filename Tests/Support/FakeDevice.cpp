@@ -43,12 +43,18 @@ std::string Shown(const std::string& text)
     return text;
 }
 
+// A text may fill its field without a zero byte.
+template <size_t SIZE>
+std::string TextOf(const char (&field)[SIZE])
+{
+    return std::string(field, strnlen(field, SIZE));
+}
+
 template <typename VALUE>
 std::string ShownField(const VALUE& field)
 {
-    // A text may fill its field without a zero byte.
     if constexpr (std::is_array_v<VALUE>)
-        return "\"" + std::string(field, strnlen(field, sizeof(field))) + "\"";
+        return "\"" + TextOf(field) + "\"";
     else
         return Shown(field);
 }
@@ -299,7 +305,7 @@ bool CFakeDevice::IsUser(const std::string& verify) const
     const std::string password = Between(verify, "<password>", "</password>");
     return std::any_of(users.begin(), users.end(),
                        [&](const NETNS::DEV_USER_INFO& user)
-                       { return name == user.userName && password == user.password; });
+                       { return name == TextOf(user.userName) && password == TextOf(user.password); });
 }
 
 char* CFakeDevice::HandOut(const std::string& text, int& len)

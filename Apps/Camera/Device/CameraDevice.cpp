@@ -1,6 +1,7 @@
 // The device itself: identity, users, time, restart.
 #include "CameraDevice.h"
 
+#include "CameraLog.h"
 #include "RecordTime.h"
 
 #include <algorithm>
@@ -92,7 +93,7 @@ DEV_RET CCameraDevice::Apply(DEV_RET checked, SettingsTopic topic, const Change&
     }
     if (!m_parts.store.Save(topic, changed))
     {
-        std::fprintf(stderr, "netserver-camera: a setting could not be stored and stays as it was\n");
+        Say("a setting could not be stored and stays as it was");
         return DEV_RET_FAILED;
     }
     m_settings = changed;

@@ -1,10 +1,10 @@
 #include "MediaPipeline.h"
 
+#include "CameraLog.h"
 #include "PictureElement.h"
 #include "PipelineText.h"
 #include "SampleBytes.h"
 
-#include <cstdio>
 #include <cstring>
 #include <utility>
 
@@ -306,7 +306,7 @@ void CMediaPipeline::ApplyProfile(int stream, const NETNS::DEV_VIDEO_PROFILE& pr
     encoder = CStreamEncoder::Make(stream, profile, m_pictureCaps.get(), m_parts.sink, problem);
     if (encoder == nullptr)
     {
-        std::fprintf(stderr, "netserver-camera: stream %d: %s\n", stream, problem.c_str());
+        Say("stream " + std::to_string(stream) + ": " + problem);
         return;
     }
     encoder->SetWanted(wanted);

@@ -10,7 +10,7 @@ constexpr const char* SOUND_CAPS = "audio/x-raw,format=S16LE,rate=8000,channels=
 constexpr const char* APPSINK = "appsink sync=false async=false name=";
 // A queue that drops old pictures: a busy machine may catch up, but work that is too slow does not fall behind more and
 // more.
-constexpr const char* QUEUE = " ! queue leaky=downstream max-size-buffers=4 max-size-bytes=0 max-size-time=0";
+constexpr const char* QUEUE = " ! queue leaky=downstream max-size-buffers=8 max-size-bytes=0 max-size-time=0";
 constexpr const char* ENCODER_INPUT = "appsrc name=in format=time is-live=true leaky-type=downstream max-bytes=0";
 
 // Below a quality the encoder does not go beyond a quantiser, however many bits are left.

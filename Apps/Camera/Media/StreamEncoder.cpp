@@ -1,11 +1,10 @@
 #include "StreamEncoder.h"
 
+#include "CameraLog.h"
 #include "PipelineText.h"
 #include "SampleBytes.h"
 
 #include <gst/video/video.h>
-
-#include <cstdio>
 
 namespace
 {
@@ -109,6 +108,6 @@ void CStreamEncoder::Deliver(GstSample* sample)
     else if (result != AnnexBResult::NoPicture && !m_refusalReported)
     {
         m_refusalReported = true;
-        std::fprintf(stderr, "netserver-camera: stream %d: left out %s\n", m_stream, Refusal(result));
+        Say("stream " + std::to_string(m_stream) + ": left out " + Refusal(result));
     }
 }

@@ -1,10 +1,10 @@
 #include "Recorder.h"
 
+#include "CameraLog.h"
 #include "CameraStreams.h"
 #include "RecordTime.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace
 {
@@ -118,7 +118,6 @@ void CRecorder::Complain(const std::string& what)
     if (!m_complained)
     {
         m_complained = true;
-        std::fprintf(stderr, "netserver-camera: %s '%s'; trying again with each key frame\n", what.c_str(),
-                     m_segment.path.c_str());
+        Say(what + " '" + m_segment.path + "'; trying again with each key frame");
     }
 }

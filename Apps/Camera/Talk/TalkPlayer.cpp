@@ -1,6 +1,6 @@
 #include "TalkPlayer.h"
 
-#include <cstdio>
+#include "CameraLog.h"
 
 namespace
 {
@@ -30,7 +30,7 @@ bool CTalkPlayer::Start()
         Flush();
     }
     m_failed = true;
-    std::fprintf(stderr, "netserver-camera: there is no sound device; what clients say is not heard\n");
+    Say("there is no sound device; what clients say is not heard");
     return false;
 }
 

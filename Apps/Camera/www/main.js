@@ -36,10 +36,10 @@ async function showView() {
     return;
   }
   leaveView();
-  const wanted = VIEWS.find(([name]) => "#" + name === location.hash) || VIEWS[0];
+  const wanted = VIEWS.find(([name]) => "#/" + name === location.hash) || VIEWS[0];
   shown = wanted;
   for (const link of byId("views").children) {
-    link.ariaCurrent = link.hash === "#" + wanted[0] ? "page" : null;
+    link.ariaCurrent = link.hash === "#/" + wanted[0] ? "page" : null;
   }
   byId(wanted[0]).hidden = false;
   document.body.dataset.loaded = "";
@@ -77,7 +77,7 @@ async function enter(user, password) {
   }
 }
 
-byId("views").replaceChildren(...VIEWS.map(([name, title]) => make("a", {href: "#" + name}, title)));
+byId("views").replaceChildren(...VIEWS.map(([name, title]) => make("a", {href: "#/" + name}, title)));
 window.onhashchange = showView;
 byId("login-form").onsubmit = event => {
   event.preventDefault();

@@ -79,6 +79,9 @@ TEST(CameraOptions, HasDefaults)
     EXPECT_EQ(1U, parsed.options.channels);
     EXPECT_FALSE(parsed.options.compat);
     EXPECT_FALSE(parsed.options.announce);
+    EXPECT_EQ(PtzSupport::Both, parsed.options.ptz);
+    EXPECT_EQ(1024U, parsed.options.recordLimit);
+    EXPECT_EQ("", parsed.options.talkOut);
 }
 
 TEST(CameraOptions, TakesEachOption)
@@ -109,7 +112,13 @@ TEST(CameraOptions, TakesEachOption)
                                  "--channels",
                                  "4",
                                  "--compat",
-                                 "--announce"});
+                                 "--announce",
+                                 "--ptz",
+                                 "rs485",
+                                 "--record-limit",
+                                 "0",
+                                 "--talk-out",
+                                 "/tmp/talk.wav"});
     ASSERT_EQ(CommandLine::Run, parsed.result) << parsed.err;
     EXPECT_EQ(80, parsed.options.httpPort);
     EXPECT_EQ(554, parsed.options.rtspPort);
@@ -130,6 +139,9 @@ TEST(CameraOptions, TakesEachOption)
     EXPECT_EQ(4U, parsed.options.channels);
     EXPECT_TRUE(parsed.options.compat);
     EXPECT_TRUE(parsed.options.announce);
+    EXPECT_EQ(PtzSupport::Rs485, parsed.options.ptz);
+    EXPECT_EQ(0U, parsed.options.recordLimit);
+    EXPECT_EQ("/tmp/talk.wav", parsed.options.talkOut);
 }
 
 TEST(CameraOptions, TakesTheOtherSources)
@@ -165,7 +177,7 @@ TEST(CameraOptions, PrintsHelp)
     EXPECT_EQ("", parsed.err);
     for (const char* option :
          {"--http-port", "--rtsp-port", "--web-root", "--data-dir", "--source", "--size", "--fps", "--bitrate", "--gop",
-          "--user", "--no-rtsp-auth", "--channels", "--compat", "--announce"})
+          "--user", "--no-rtsp-auth", "--channels", "--compat", "--announce", "--ptz", "--record-limit", "--talk-out"})
     {
         EXPECT_NE(std::string::npos, parsed.out.find(option)) << option;
     }
@@ -209,6 +221,9 @@ const BadCase BAD_CASES[] = {
     {"GopTooLong", {"--gop", "1001"}, "--gop"},
     {"NoChannels", {"--channels", "0"}, "--channels"},
     {"TooManyChannels", {"--channels", "33"}, "--channels"},
+    {"PtzUnknown", {"--ptz", "all"}, "none of none, integrated, rs485, both"},
+    {"RecordLimitNegative", {"--record-limit", "-1"}, "--record-limit"},
+    {"RecordLimitTooLarge", {"--record-limit", "1000001"}, "--record-limit"},
     {"UserNoColon", {"--user", "admin"}, "NAME:PASSWORD"},
     {"UserNoName", {"--user", ":x"}, "user name"},
     {"UserNoPassword", {"--user", "x:"}, "password"},

@@ -1,5 +1,7 @@
 #include "CameraSettings.h"
 
+#include "TempDirectory.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -98,4 +100,15 @@ TEST(CameraSettings, SaysWhyADirectoryCannotBeMade)
     EXPECT_FALSE(MakeDirectory(file, problem));
     EXPECT_NE("", problem);
     fs::remove(file);
+}
+
+TEST(CameraSettings, ADirectoryIsOneCamerasOnly)
+{
+    const CTempDirectory directory;
+    std::string problem;
+    ASSERT_TRUE(LockDirectory(directory.Path(), problem)) << problem;
+    EXPECT_FALSE(LockDirectory(directory.Path(), problem));
+    EXPECT_EQ(directory.Path() + ": is in use by another camera; give --data-dir", problem);
+    EXPECT_FALSE(LockDirectory(directory.Path("none"), problem));
+    EXPECT_EQ(directory.Path("none") + ": No such file or directory", problem);
 }

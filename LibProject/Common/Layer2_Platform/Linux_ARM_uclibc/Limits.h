@@ -9,6 +9,8 @@ constexpr std::size_t LIMIT_HTTP_MESSAGE_BYTES = 0xA00000; // 10 MiB
 constexpr std::size_t LIMIT_RTSP_QUEUED_ANSWER_BYTES = std::size_t{1024} * 1024;
 /// Bytes of a snapshot that a host or a camera delivers.
 constexpr std::size_t LIMIT_SNAPSHOT_BYTES = std::size_t{64} * 1024 * 1024;
+/// Video streams of a channel that are shown.
+constexpr int LIMIT_CHANNEL_STREAMS = 64;
 /// Privacy masks in one request.
 constexpr std::size_t LIMIT_PRIVACY_MASKS = 256;
 /// Cells of a motion grid in each direction.

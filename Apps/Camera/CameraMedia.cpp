@@ -1,0 +1,184 @@
+// The camera's media: start, restart and rest, and what their threads and the RTSP scheduler ask of them.
+#include "Camera.h"
+
+#include "CameraLog.h"
+#include "LocalPorts.h"
+#include "RecordTime.h"
+
+using namespace std::chrono_literals;
+
+namespace
+{
+
+constexpr auto START_POLL = 20ms;
+constexpr auto FIRST_FRAMES_LIMIT = 20s;
+constexpr auto MEDIA_RETRY = 2s;
+constexpr auto CLIENT_WATCH = 2s;
+// A client that opened a stream plays it after two or three more round trips only.
+constexpr auto SECOND_KEY_FRAME = 500ms;
+constexpr std::uint64_t VIDEO_LOSS_US = 3000000;
+
+} // namespace
+
+/// Starts the media and waits for the first frames. @return what ends the run; nothing when it goes on
+std::optional<CCamera::Outcome> CCamera::AwaitMedia()
+{
+    std::string problem;
+    const Clock::time_point limit = Clock::now() + FIRST_FRAMES_LIMIT;
+    bool running = StartMedia(problem);
+    while (running && !m_feed.HasAll())
+    {
+        if (WaitForSignal(START_POLL))
+        {
+            return Outcome::Stopped;
+        }
+        running = IsMediaRunning(problem);
+        if (running && Clock::now() > limit)
+        {
+            problem = "the source gives no pictures";
+            running = false;
+        }
+    }
+    if (running)
+    {
+        return std::nullopt;
+    }
+    Say(problem);
+    if (!m_readyPrinted)
+    {
+        return Outcome::Failed;
+    }
+    m_restartMediaAt = Clock::now() + MEDIA_RETRY; // a reboot: the source may come back
+    return std::nullopt;
+}
+
+/// A source may go silent without an end.
+void CCamera::WatchPictures()
+{
+    m_alarms.SetVideoLoss(SteadyClockUs() - m_lastPictureUs > VIDEO_LOSS_US);
+    m_alarms.Tick(SteadyClockUs() / 1000);
+}
+
+/// Media thread.
+void CCamera::OnPicture(bool moving)
+{
+    m_lastPictureUs = SteadyClockUs();
+    m_alarms.SetMoving(moving, m_lastPictureUs / 1000);
+}
+
+/// Starts the media again when they have stopped: a remote camera that went away, a device that was unplugged.
+void CCamera::WatchMedia()
+{
+    std::string problem;
+    if (m_restartMediaAt.has_value())
+    {
+        if (Clock::now() < *m_restartMediaAt)
+        {
+            return;
+        }
+        m_restartMediaAt.reset();
+        StopMedia();
+        if (StartMedia(problem))
+        {
+            return;
+        }
+    }
+    else if (IsMediaRunning(problem))
+    {
+        return;
+    }
+    Say(problem + "; trying again");
+    m_restartMediaAt = Clock::now() + MEDIA_RETRY;
+}
+
+/// Lets the encoders rest that nobody needs.
+void CCamera::WatchClients()
+{
+    if (Clock::now() >= m_nextClientWatch)
+    {
+        m_nextClientWatch = Clock::now() + CLIENT_WATCH;
+        const bool connected = CountConnections(m_ports.rtspPort) > 0;
+        if (!connected && !m_connected)
+        {
+            m_streams->ForgetAll(); // clients that left without a word: every player holds a connection
+            m_playbacks.CloseAll();
+        }
+        m_connected = connected;
+    }
+    // A client may play without asking for the description on the same connection; it is not known which stream.
+    const bool unknownUse = m_connected && !m_streams->IsOpen(MAIN_STREAM) && !m_streams->IsOpen(SUB_STREAM);
+    const std::lock_guard<std::mutex> guard(m_mediaLock);
+    for (const int stream : {MAIN_STREAM, SUB_STREAM})
+    {
+        if (m_media != nullptr)
+        {
+            const bool recorded = stream == MAIN_STREAM && m_options.recordLimit > 0;
+            m_media->SetWanted(stream, m_streams->IsOpen(stream) || unknownUse || recorded);
+        }
+    }
+}
+
+void CCamera::RepeatKeyFrames()
+{
+    const Clock::time_point due = Clock::now() - SECOND_KEY_FRAME;
+    for (const int stream : {MAIN_STREAM, SUB_STREAM})
+    {
+        Clock::rep opened = m_lastOpen[stream];
+        if (opened != 0 && opened < due.time_since_epoch().count() &&
+            m_lastOpen[stream].compare_exchange_strong(opened, 0))
+        {
+            RequestKeyFrame(stream);
+        }
+    }
+}
+
+bool CCamera::StartMedia(std::string& problem)
+{
+    CFrameSink& sink = m_options.recordLimit > 0 ? static_cast<CFrameSink&>(m_feedAndRecorder) : m_feed;
+    m_lastPictureUs = SteadyClockUs();
+    auto media = std::make_unique<CMediaPipeline>(m_options, CMediaPipeline::Parts{sink, m_work,
+                                                                                   [this](bool moving)
+                                                                                   {
+                                                                                       OnPicture(moving);
+                                                                                   }});
+    const bool started = media->Start(m_device->Settings(), problem);
+    const std::lock_guard<std::mutex> guard(m_mediaLock);
+    m_media = std::move(media);
+    return started;
+}
+
+bool CCamera::IsMediaRunning(std::string& problem)
+{
+    const std::lock_guard<std::mutex> guard(m_mediaLock);
+    return m_media->IsRunning(problem);
+}
+
+void CCamera::StopMedia()
+{
+    std::unique_ptr<CMediaPipeline> ending;
+    {
+        const std::lock_guard<std::mutex> guard(m_mediaLock);
+        ending = std::move(m_media);
+    }
+}
+
+/// Scheduler thread.
+void CCamera::OnOpen(int stream)
+{
+    m_lastOpen[stream] = Clock::now().time_since_epoch().count();
+    const std::lock_guard<std::mutex> guard(m_mediaLock);
+    if (m_media != nullptr)
+    {
+        m_media->SetWanted(stream, true);
+        m_media->RequestKeyFrame(stream);
+    }
+}
+
+void CCamera::RequestKeyFrame(int stream)
+{
+    const std::lock_guard<std::mutex> guard(m_mediaLock);
+    if (m_media != nullptr)
+    {
+        m_media->RequestKeyFrame(stream);
+    }
+}
