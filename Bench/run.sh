@@ -161,6 +161,8 @@ echo "  http-mix" >&2
 stop_host
 echo "  alarm push" >&2
 "$BIN/netserver-bench-alarmpush" >"$OUT/alarmpush.tsv"
+echo "  camera" >&2
+"$ROOT/Bench/camera.sh" "${BIN%/Bench}" >"$OUT/camera.tsv"
 echo "  micro" >&2
 "$BIN/netserver-bench-micro" --benchmark_format=csv 2>/dev/null | tr ',' '\t' >"$OUT/micro.tsv"
 "$BIN/netserver-bench-micro-api" --benchmark_format=csv 2>/dev/null | tr ',' '\t' >"$OUT/micro-api.tsv"
@@ -232,6 +234,8 @@ echo "  events" >&2
     row "Motion from a camera to the host, p99 ms" "" ""
     row "  pushed, 100 cameras" "$(figure events-push p99_ms)" "goal 350; $(figure events-push cpu_us_per_event) us of CPU an event"
     row "  pulled, 64 cameras" "$(figure events-pull p99_ms)" "goal 700; $(figure events-pull cpu_cores) cores, goal 0.25"
+    row "The reference camera, recording, with motion detection and a client" "" ""
+    row "  cores" "$(figure camera camera_cores)" "goal 1; $(figure camera camera_kb) kB"
     row "Packetiser alone, ns a packet" "" ""
     awk -F'\t' 'NR > 1 && $7 > 0 {gsub(/"/, "", $1); printf "  %-56s %12.0f\n", $1, 1e9 / $7}' "$OUT/micro.tsv"
 } | tee "$OUT/table.txt"

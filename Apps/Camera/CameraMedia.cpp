@@ -142,8 +142,14 @@ bool CCamera::StartMedia(std::string& problem)
                                                                                        OnPicture(moving);
                                                                                    }});
     const bool started = media->Start(m_device->Settings(), problem);
-    const std::lock_guard<std::mutex> guard(m_mediaLock);
-    m_media = std::move(media);
+    {
+        const std::lock_guard<std::mutex> guard(m_mediaLock);
+        m_media = std::move(media);
+    }
+    if (started)
+    {
+        m_device->RepeatPictureEffects();
+    }
     return started;
 }
 

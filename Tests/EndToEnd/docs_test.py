@@ -97,6 +97,16 @@ class Examples(unittest.TestCase):
     def test_api_streams(self):
         self.check("api/streams.md")
 
+    def test_every_api_command_has_an_example(self):
+        table = (ROOT / "QlxApi" / "QlxApiCommands.cpp").read_text()
+        words = set(re.findall(r'^    \{"(\w+)"', table, re.M))
+        asked = set()
+        for page in (ROOT / "docs" / "api").glob("*.md"):
+            for command, _ in examples(page) if "```console\n" in page.read_text() else []:
+                asked.update(re.findall(r"localhost:8080/(\w+)", command))
+        self.assertEqual(59, len(words))
+        self.assertEqual(set(), words - asked)
+
     def test_every_page_with_examples_is_tried(self):
         pages = {str(path.relative_to(ROOT / "docs")) for path in (ROOT / "docs").rglob("*.md")
                  if "```console\n" in path.read_text()}

@@ -64,6 +64,16 @@ DeviceSettings CCameraDevice::Settings() const
     return m_settings;
 }
 
+void CCameraDevice::RepeatPictureEffects()
+{
+    const std::lock_guard<std::mutex> guard(m_lock);
+    for (const SettingsTopic topic : {SettingsTopic::Image, SettingsTopic::Osd, SettingsTopic::Masks,
+                                      SettingsTopic::Motion, SettingsTopic::Streams})
+    {
+        m_parts.effects.SettingsChanged(topic, m_settings);
+    }
+}
+
 DEV_RET CCameraDevice::CheckUser(const char* verify) const
 {
     return m_parts.users.IsKnown(verify) ? DEV_RET_OK : DEV_RET_NO_RIGHT;

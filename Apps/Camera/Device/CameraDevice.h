@@ -39,6 +39,9 @@ public:
     /// A copy of the settings as they are now.
     DeviceSettings Settings() const;
 
+    /// Has the effects of all picture settings happen once more: for media that were set up while one was changed.
+    void RepeatPictureEffects();
+
     NETNS::DEV_RET ProcHttpData(const char* message, int len, char*& body, int& bodyLen, int& status) override;
     NETNS::DEV_RET GetIntegratedPtz(bool& supported) override;
     NETNS::DEV_RET GetSupportRS485Ptz(bool& supported) override;

@@ -52,7 +52,7 @@ const char* TimeFormat(std::uint32_t dateFormat)
 
 CMediaPipeline::CMediaPipeline(const CameraOptions& options, Parts parts)
     : m_options(options), m_parts(std::move(parts)),
-      m_pictureCaps(gst_caps_from_string(PictureCapsText(options).c_str())),
+      m_pictureCaps(gst_caps_from_string(PictureCapsText(options).c_str())), m_snapshots(m_parts.sink),
       m_chunker([this](std::uint64_t presentationUs, const std::vector<unsigned char>& chunk)
                 { m_parts.sink.PutAudio(chunk, presentationUs); })
 {
@@ -124,15 +124,13 @@ bool CMediaPipeline::BuildEncoders(const DeviceSettings& settings, std::string& 
     for (const int stream : {MAIN_STREAM, SUB_STREAM})
     {
         m_profiles[stream] = settings.profiles[stream];
-        m_encoders[stream] =
-            CStreamEncoder::Make(stream, settings.profiles[stream], m_pictureCaps.get(), m_parts.sink, problem);
-        if (m_encoders[stream] == nullptr)
+        m_encoders[stream] = std::make_unique<CStreamEncoder>(stream, m_parts.sink);
+        if (!m_encoders[stream]->Start(settings.profiles[stream], m_pictureCaps.get(), problem))
         {
             return false;
         }
     }
-    m_snapshots = CSnapshotEncoder::Make(m_pictureCaps.get(), m_parts.sink, problem);
-    return m_snapshots != nullptr;
+    return m_snapshots.Start(m_pictureCaps.get(), problem);
 }
 
 GstElementPtr CMediaPipeline::Child(const std::string& name) const
@@ -301,10 +299,10 @@ void CMediaPipeline::ApplyProfile(int stream, const NETNS::DEV_VIDEO_PROFILE& pr
         encoder = std::move(m_encoders[stream]);
     }
     const bool wanted = encoder == nullptr || encoder->IsWanted();
-    encoder.reset();
+    encoder = nullptr;
+    encoder = std::make_unique<CStreamEncoder>(stream, m_parts.sink);
     std::string problem;
-    encoder = CStreamEncoder::Make(stream, profile, m_pictureCaps.get(), m_parts.sink, problem);
-    if (encoder == nullptr)
+    if (!encoder->Start(profile, m_pictureCaps.get(), problem))
     {
         Say("stream " + std::to_string(stream) + ": " + problem);
         return;
@@ -359,7 +357,7 @@ void CMediaPipeline::Distribute(GstSample* sample)
             }
         }
     }
-    m_snapshots->Put(picture);
+    m_snapshots.Put(picture);
     gst_buffer_unref(picture);
 }
 

@@ -73,7 +73,8 @@ private:
     const CameraOptions m_options;
     const Parts m_parts;
     const GstCapsPtr m_pictureCaps;
-    CAudioChunker m_chunker; // the sound thread
+    CSnapshotEncoder m_snapshots; // the media thread
+    CAudioChunker m_chunker;      // the sound thread
     GstElementPtr m_pipeline;
     GstBusPtr m_bus;
     GstElementPtr m_picturesIn;
@@ -83,7 +84,6 @@ private:
     std::mutex m_encoderLock; // held while a picture is handed out, which waits for nothing
     std::unique_ptr<CStreamEncoder> m_encoders[STREAM_COUNT];
     NETNS::DEV_VIDEO_PROFILE m_profiles[STREAM_COUNT] = {};
-    std::unique_ptr<CSnapshotEncoder> m_snapshots;
 
     std::unique_ptr<CFileLoop> m_file;
 };

@@ -10,7 +10,7 @@ constexpr const char* SOUND_CAPS = "audio/x-raw,format=S16LE,rate=8000,channels=
 constexpr const char* APPSINK = "appsink sync=false async=false name=";
 // A queue that drops old pictures: a busy machine may catch up, but work that is too slow does not fall behind more and
 // more.
-constexpr const char* QUEUE = " ! queue leaky=downstream max-size-buffers=8 max-size-bytes=0 max-size-time=0";
+constexpr const char* QUEUE = " ! queue leaky=downstream max-size-buffers=16 max-size-bytes=0 max-size-time=0";
 constexpr const char* ENCODER_INPUT = "appsrc name=in format=time is-live=true leaky-type=downstream max-bytes=0";
 
 // Below a quality the encoder does not go beyond a quantiser, however many bits are left.
@@ -118,7 +118,7 @@ std::string LivePipelineText(const CameraOptions& options, bool fileHasSound)
 std::string EncoderPipelineText(const NETNS::DEV_VIDEO_PROFILE& profile)
 {
     const int leastQuantiser = LEAST_QUANTISER[std::min<std::size_t>(profile.quality, std::size(LEAST_QUANTISER) - 1)];
-    return std::string(ENCODER_INPUT) + " max-buffers=8 ! videorate drop-only=true ! videoscale add-borders=false" +
+    return std::string(ENCODER_INPUT) + " max-buffers=16 ! videorate drop-only=true ! videoscale add-borders=false" +
            " ! video/x-raw," + Size(profile.width, profile.height) + ",framerate=" + std::to_string(profile.frameRate) +
            "/1,pixel-aspect-ratio=1/1" + " ! x264enc name=encoder tune=zerolatency speed-preset=veryfast bitrate=" +
            std::to_string(profile.maxBitRate) + " key-int-max=" + std::to_string(profile.gop) +

@@ -1,35 +1,32 @@
 // SnapshotEncoder.h: makes JPEG pictures of some of the camera's pictures.
 //
 // The library takes a picture when a client asks for one and tells the host nothing of it. So a picture is made several
-// times a second, whether anybody wants it or not: that is what a snapshot waits for.
+// times a second, whether anybody wants it or not: that is what a snapshot waits for. Pictures come on the media
+// thread.
 #pragma once
 
+#include "AppPipeline.h"
 #include "FrameSink.h"
-#include "GstHandles.h"
 
-#include <cstdint>
-#include <memory>
 #include <string>
 
 class CSnapshotEncoder
 {
 public:
+    /// @param sink  borrowed for the life of the encoder
+    explicit CSnapshotEncoder(CFrameSink& sink) : m_sink(sink) {}
+
     /// @param picture  caps of the pictures that will come, borrowed for the call
-    /// @param sink     borrowed for the life of the encoder
-    /// @return null when it cannot be set up; `problem` says why
-    static std::unique_ptr<CSnapshotEncoder> Make(GstCaps* picture, CFrameSink& sink, std::string& problem);
-    ~CSnapshotEncoder();
+    /// @param problem  receives why it does not start
+    bool Start(GstCaps* picture, std::string& problem);
 
     /// @param picture  its time is nanoseconds of the monotonic clock; borrowed
     void Put(GstBuffer* picture);
 
 private:
-    explicit CSnapshotEncoder(CFrameSink& sink) : m_sink(sink) {}
-
-    static GstFlowReturn OnPicture(GstAppSink* source, gpointer self);
+    void Deliver(GstSample* sample);
 
     CFrameSink& m_sink;
-    GstElementPtr m_pipeline;
-    GstElementPtr m_input;
-    GstClockTime m_next = 0; // the media thread
+    GstClockTime m_next = 0;
+    CAppPipeline m_pipeline; // last: its thread uses the above
 };

@@ -25,46 +25,22 @@ const char* Refusal(AnnexBResult result)
 
 } // namespace
 
-std::unique_ptr<CStreamEncoder> CStreamEncoder::Make(int stream, const NETNS::DEV_VIDEO_PROFILE& profile,
-                                                     GstCaps* picture, CFrameSink& sink, std::string& problem)
+bool CStreamEncoder::Start(const NETNS::DEV_VIDEO_PROFILE& profile, GstCaps* picture, std::string& problem)
 {
-    std::unique_ptr<CStreamEncoder> self(new CStreamEncoder(stream, sink));
-    GError* raw = nullptr;
-    self->m_pipeline.reset(gst_parse_launch(EncoderPipelineText(profile).c_str(), &raw));
-    const GErrorPtr error(raw);
-    if (error != nullptr)
+    if (!m_pipeline.Start(
+            EncoderPipelineText(profile), picture, [this](GstSample* sample) { Deliver(sample); }, problem))
     {
-        problem = error->message;
-        return nullptr;
+        return false;
     }
-    self->m_input.reset(gst_bin_get_by_name(GST_BIN(self->m_pipeline.get()), "in"));
-    self->m_encoder.reset(gst_bin_get_by_name(GST_BIN(self->m_pipeline.get()), "encoder"));
-    gst_app_src_set_caps(GST_APP_SRC(self->m_input.get()), picture);
-    const GstElementPtr output(gst_bin_get_by_name(GST_BIN(self->m_pipeline.get()), "out"));
-    GstAppSinkCallbacks callbacks = {};
-    callbacks.new_sample = &CStreamEncoder::OnFrame;
-    gst_app_sink_set_callbacks(GST_APP_SINK(output.get()), &callbacks, self.get(), nullptr);
-    if (gst_element_set_state(self->m_pipeline.get(), GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE)
-    {
-        problem = "an encoder does not start";
-        return nullptr;
-    }
-    return self;
-}
-
-CStreamEncoder::~CStreamEncoder()
-{
-    if (m_pipeline != nullptr)
-    {
-        gst_element_set_state(m_pipeline.get(), GST_STATE_NULL);
-    }
+    m_encoder = m_pipeline.Child("encoder");
+    return true;
 }
 
 void CStreamEncoder::Put(GstBuffer* picture)
 {
     if (m_wanted)
     {
-        gst_app_src_push_buffer(GST_APP_SRC(m_input.get()), gst_buffer_ref(picture));
+        m_pipeline.Put(picture);
     }
 }
 
@@ -83,17 +59,6 @@ void CStreamEncoder::RequestKeyFrame()
         gst_element_send_event(m_encoder.get(),
                                gst_video_event_new_upstream_force_key_unit(GST_CLOCK_TIME_NONE, TRUE, 0));
     }
-}
-
-GstFlowReturn CStreamEncoder::OnFrame(GstAppSink* source, gpointer self)
-{
-    const GstSamplePtr sample(gst_app_sink_pull_sample(source));
-    if (sample == nullptr)
-    {
-        return GST_FLOW_EOS;
-    }
-    static_cast<CStreamEncoder*>(self)->Deliver(sample.get());
-    return GST_FLOW_OK;
 }
 
 void CStreamEncoder::Deliver(GstSample* sample)

@@ -1,6 +1,7 @@
 #include "ImageAdjust.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <utility>
 
@@ -88,7 +89,7 @@ void Gain(const PicturePlane& luma, const PicturePlane& difference, int gain, in
     {
         const std::uint8_t* const brightness = Row(luma, std::min(2 * row, luma.height - 1));
         std::uint8_t* const samples = Row(difference, row);
-        for (unsigned int column = 0; column < difference.width; ++column)
+        for (std::size_t column = 0; column < difference.width; ++column)
         {
             const int sample = samples[column] - NO_COLOR;
             const int colour = std::max(brightness[2 * column] - 16 + k * sample / 256, 0);

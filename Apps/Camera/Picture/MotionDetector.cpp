@@ -39,10 +39,10 @@ void CMotionDetector::TakeSamples(const Picture& picture)
     for (unsigned int row = 0; row < m_height; ++row)
     {
         const std::uint8_t* const samples =
-            picture.luma.data + static_cast<std::ptrdiff_t>(row * STEP) * picture.luma.stride;
+            picture.luma.data + static_cast<std::ptrdiff_t>(std::size_t{row} * STEP) * picture.luma.stride;
         for (unsigned int column = 0; column < m_width; ++column)
         {
-            *out++ = samples[column * STEP];
+            *out++ = samples[std::size_t{column} * STEP];
         }
     }
 }

@@ -34,7 +34,7 @@ private:
     NETNS::DEV_IMAGE_PARAM m_image = {};
     std::vector<NETNS::DEV_PRIVACY_MASK> m_masks;
     NETNS::DEV_MOTION_CONFIG m_motion = {};
-    bool m_settingsChanged = false;
+    int m_picturesToForget = 0; // that may look otherwise than the one in front, without a movement
 
     CViewScaler m_scaler; // the media thread
     CImageAdjust m_adjust;

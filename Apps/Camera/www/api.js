@@ -26,7 +26,7 @@ async function request(command, body) {
     return await fetch(new URL("/" + command, location.origin), {
       method: body === undefined ? "GET" : "POST", body, credentials: "omit", cache: "no-store",
       headers: {"Authorization": login.authorization}});
-  } catch (problem) {
+  } catch {
     throw new Error("The camera cannot be reached.");
   }
 }

@@ -152,39 +152,3 @@ TEST(AlarmReporter, ReportsEdgesInTheirOrderOnItsOwnThread)
     }
     EXPECT_EQ((Edges{"motion on", "sensor 1 on", "motion off"}), reported);
 }
-
-// A push to a server that does not answer takes its time: what waits behind it is not waited for at the end.
-TEST(AlarmReporter, EndsWithoutReportingTheRest)
-{
-    std::mutex lock;
-    std::condition_variable wake;
-    int begun = 0;
-    bool mayGoOn = false;
-    auto reporter = std::make_unique<CAlarmReporter>(
-        [&](const AlarmEdge&)
-        {
-            std::unique_lock<std::mutex> guard(lock);
-            ++begun;
-            wake.notify_all();
-            wake.wait(guard, [&] { return mayGoOn; });
-        });
-    reporter->Put({AlarmKind::Motion, 0, true});
-    {
-        std::unique_lock<std::mutex> guard(lock);
-        ASSERT_TRUE(wake.wait_for(guard, std::chrono::seconds(30), [&] { return begun == 1; }));
-    }
-    for (int count = 0; count < 100; ++count)
-    {
-        reporter->Put({AlarmKind::Motion, 0, false});
-    }
-    std::thread release(
-        [&]
-        {
-            const std::lock_guard<std::mutex> guard(lock);
-            mayGoOn = true;
-            wake.notify_all();
-        });
-    reporter.reset();
-    release.join();
-    EXPECT_LE(begun, 101);
-}

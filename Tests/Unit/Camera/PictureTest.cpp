@@ -1,7 +1,9 @@
 // The work on pictures, on small ones whose samples are known.
 #include "ImageAdjust.h"
 #include "MotionDetector.h"
+#include "PictureWork.h"
 #include "PrivacyMasks.h"
+#include "RecordTime.h"
 #include "ViewScaler.h"
 
 #include <gtest/gtest.h>
@@ -406,4 +408,49 @@ TEST(MotionDetector, APictureOfAnotherSizeIsNotCompared)
     EXPECT_FALSE(detector.Look(large.Get(STEP_US), WholeArea(8)));
     EXPECT_FALSE(detector.Look(tiny.Get(2 * STEP_US), WholeArea(8)));
     EXPECT_FALSE(detector.Look(tiny.Get(3 * STEP_US), WholeArea(8)));
+}
+
+TEST(PictureWork, MasksHideWhateverTheHeadShows)
+{
+    CPtzHead head;
+    CPictureWork work(head);
+    work.SetMasks({{1, 0, 0, 8, 8, 1}});
+    head.GoTo({0.25, 0.25, 4}, 8, SteadyClockUs());
+    CTestPicture picture(16, 16);
+    work.Prepare(picture.Get());
+    EXPECT_EQ(235, picture.Luma(7, 7));
+    EXPECT_EQ(100, picture.Luma(8, 8));
+}
+
+TEST(PictureWork, LooksForMotionWhenItIsSwitchedOnAndTheHeadStands)
+{
+    CPtzHead head;
+    CPictureWork work(head);
+    CTestPicture dark(128, 64, 50);
+    CTestPicture bright(128, 64, 200);
+    DEV_MOTION_CONFIG config = WholeArea(6);
+    config.motionSwitch = 0;
+    work.SetMotion(config);
+    EXPECT_FALSE(work.LookForMotion(dark.Get(0)));
+    EXPECT_FALSE(work.LookForMotion(bright.Get(STEP_US)));
+    work.SetMotion(WholeArea(6));
+    EXPECT_FALSE(work.LookForMotion(dark.Get(2 * STEP_US)));
+    EXPECT_TRUE(work.LookForMotion(bright.Get(3 * STEP_US)));
+    head.Control(PtzCommand::ZoomIn, 1, SteadyClockUs());
+    EXPECT_FALSE(work.LookForMotion(dark.Get(4 * STEP_US)));
+}
+
+// A brighter picture is no movement in front of the camera.
+TEST(PictureWork, AChangeOfTheSettingsIsNoMotion)
+{
+    CPtzHead head;
+    CPictureWork work(head);
+    work.SetMotion(WholeArea(8));
+    CTestPicture dark(128, 64, 50);
+    CTestPicture bright(128, 64, 200);
+    EXPECT_FALSE(work.LookForMotion(dark.Get(0)));
+    work.SetImage({});
+    EXPECT_FALSE(work.LookForMotion(bright.Get(STEP_US)));
+    work.SetMasks({});
+    EXPECT_FALSE(work.LookForMotion(dark.Get(2 * STEP_US)));
 }
