@@ -87,21 +87,14 @@ void COnvifEventCtrol::OnAcceptCreateSocket(int handle, unsigned short /*port*/,
         NET_SOCKET_DestroyHNetCommunication(handle);
         return;
     }
-    _DATA_PACK_* message = packet.GetNextPendingPacket();
-    if (message == nullptr)
+    const std::optional<CHttpProtocolAnalyse> request = TakeHttpRequest(packet);
+    if (!request.has_value())
     {
-        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
         NET_SOCKET_DestroyHNetCommunication(handle);
         return;
     }
-    const CHttpProtocolAnalyse request(message->m_pBuff, message->Length());
-    CHttpDataPacket::ReleasePack(message);
-    if (request.IsResponse())
-    {
-        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
-    }
     int length = 0;
-    const char* const body = request.GetPayLoad(length);
+    const char* const body = request->GetPayLoad(length);
     if (length == 0)
     {
         m_unanswered.Add(handle); // neither an answer nor an end

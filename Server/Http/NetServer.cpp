@@ -126,24 +126,17 @@ void CNetServer::Serve(int handle)
         NET_SOCKET_DestroyHNetCommunication(handle);
         return;
     }
-    _DATA_PACK_* message = packet.GetNextPendingPacket();
-    if (message == nullptr)
+    const std::optional<CHttpProtocolAnalyse> request = TakeHttpRequest(packet);
+    if (!request.has_value())
     {
-        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
         NET_SOCKET_DestroyHNetCommunication(handle);
         return;
-    }
-    const CHttpProtocolAnalyse request(message->m_pBuff, message->Length());
-    CHttpDataPacket::ReleasePack(message);
-    if (request.IsResponse())
-    {
-        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
     }
 
     CHttpProtocolAnalyse response;
     std::string ip;
     GetLinkIP(handle, ip);
-    CNetServerDataProc::Instance().AnalysisRequest(ip, request, response);
+    CNetServerDataProc::Instance().AnalysisRequest(ip, *request, response);
     ReplyExecute(handle, response);
 }
 

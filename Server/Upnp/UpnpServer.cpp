@@ -153,29 +153,22 @@ void CUpnpServer::OnAcceptCreateSocket(int handle, unsigned short /*port*/, unsi
         m_silent.Add(handle);
         return;
     }
-    _DATA_PACK_* message = packet.GetNextPendingPacket();
-    if (message == nullptr)
+    const std::optional<CHttpProtocolAnalyse> request = TakeHttpRequest(packet);
+    if (!request.has_value())
     {
-        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
         NET_SOCKET_DestroyHNetCommunication(handle);
         return;
-    }
-    const CHttpProtocolAnalyse request(message->m_pBuff, message->Length());
-    CHttpDataPacket::ReleasePack(message);
-    if (request.IsResponse())
-    {
-        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
     }
 
     // A request that names a command gets no answer: its connection is closed without a byte.
     CHttpProtocolAnalyse reply;
-    if (request.IsRequestFile() && request.GetUrl() == DESCRIPTION_URL)
+    if (request->IsRequestFile() && request->GetUrl() == DESCRIPTION_URL)
     {
         char text[TEXT_BYTES];
         const int length = GetEnqueryXml(text);
         reply.SetResPackage(STATUS_OK, text, length, "");
     }
-    else if (request.IsRequestFile())
+    else if (request->IsRequestFile())
     {
         reply.SetResponseHeader(STATUS_NOT_FOUND);
     }

@@ -130,23 +130,20 @@ void CNotifyObserver::OnAcceptCreateSocket(int handle, unsigned short /*port*/, 
         NET_SOCKET_DestroyHNetCommunication(handle);
         return;
     }
-    _DATA_PACK_* message = packet.GetNextPendingPacket();
-    if (message == nullptr)
+    const std::optional<CHttpProtocolAnalyse> request = TakeHttpRequest(packet);
+    if (!request.has_value())
     {
-        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
         NET_SOCKET_DestroyHNetCommunication(handle);
         return;
     }
-    const CHttpProtocolAnalyse request(message->m_pBuff, message->Length());
-    CHttpDataPacket::ReleasePack(message);
     int length = 0;
-    request.GetPayLoad(length);
+    request->GetPayLoad(length);
     if (length == 0)
     {
         m_unanswered.Add(handle); // neither an answer nor an end
         return;
     }
-    ParseWebMsg(request);
+    ParseWebMsg(*request);
     CHttpProtocolAnalyse reply;
     reply.SetResPackage(STATUS_OK, nullptr, 0, "");
     ReplyExecute(handle, reply);

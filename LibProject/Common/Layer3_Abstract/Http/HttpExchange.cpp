@@ -1,7 +1,6 @@
 #include "HttpExchange.h"
 
 #include "HttpDataPacket.h"
-#include "HttpProtocolAnalyse.h"
 #include "NetSocket.h"
 #include "PFHelper.h"
 #include "ShareSDK.h"
@@ -84,6 +83,24 @@ bool ReadHttpMessage(int handle, const HTTP_READ_LIMITS& limits, CHttpDataPacket
             return false;
         }
     }
+}
+
+std::optional<CHttpProtocolAnalyse> TakeHttpRequest(CHttpDataPacket& packet)
+{
+    std::optional<CHttpProtocolAnalyse> request;
+    _DATA_PACK_* message = packet.GetNextPendingPacket();
+    if (message == nullptr)
+    {
+        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+        return request;
+    }
+    request.emplace(message->m_pBuff, message->Length());
+    CHttpDataPacket::ReleasePack(message);
+    if (request->IsResponse())
+    {
+        SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
+    }
+    return request;
 }
 
 void SendHttpMessageAndEnd(int handle, const CHttpProtocolAnalyse& message)

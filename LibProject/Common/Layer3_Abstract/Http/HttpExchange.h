@@ -4,8 +4,11 @@
 // call works on its caller's and waits there.
 #pragma once
 
+#include "HttpProtocolAnalyse.h"
+
+#include <optional>
+
 class CHttpDataPacket;
-class CHttpProtocolAnalyse;
 
 /// How patient a port is, and in what pieces it reads.
 struct HTTP_READ_LIMITS
@@ -20,6 +23,10 @@ constexpr int HTTP_READ_BYTES_MAX = 4095;
 /// @param packet  receives the bytes; complete when the result is true
 /// @return false when the peer closes, falls silent or never ends its header; the connection stays the caller's
 bool ReadHttpMessage(int handle, const HTTP_READ_LIMITS& limits, CHttpDataPacket& packet);
+
+/// Takes the message that was read. An answer where a request is expected is logged, and taken like one.
+/// @return nothing, which is logged, when no message is complete
+std::optional<CHttpProtocolAnalyse> TakeHttpRequest(CHttpDataPacket& packet);
 
 /// Sends a message, for as long as the peer takes to read it, and ends the connection. An empty message is logged and
 /// ends it too.
