@@ -7,6 +7,7 @@
 #include "NetServerConfig.h"
 #include "NetServerDataProc.h"
 #include "ShareSDK.h"
+#include "TempDirectory.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -32,12 +33,12 @@ void Require(bool condition)
     }
 }
 
-/// A directory in memory: each change of the alarm server writes a file through to its disk.
+/// In memory, since each change of the alarm server writes the file through to its disk.
 std::string SettingsFile()
 {
-    char path[] = "/dev/shm/fuzz-api-XXXXXX";
-    Require(mkdtemp(path) != nullptr);
-    return std::string(path) + "/server.xml";
+    setenv("TMPDIR", "/dev/shm", 1);
+    static const CTempDirectory directory;
+    return directory.Path("server.xml");
 }
 
 CFakeDevice& Device()

@@ -2,6 +2,7 @@
 #include "NetServerConfig.h"
 
 #include "ShareSDK.h"
+#include "TempDirectory.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -26,9 +27,9 @@ const std::string& Path()
     static const std::string path = []
     {
         SHARESDK_SetLogLevel(SHARESDK_LOG_NONE);
-        char directory[] = "/dev/shm/fuzz-settings-XXXXXX";
-        Require(mkdtemp(directory) != nullptr);
-        return std::string(directory) + "/server.xml";
+        setenv("TMPDIR", "/dev/shm", 1);
+        static const CTempDirectory directory;
+        return directory.Path("server.xml");
     }();
     return path;
 }

@@ -81,7 +81,8 @@ int WrittenLength(int wanted)
 
 CUpnpServer& CUpnpServer::Instance()
 {
-    static CUpnpServer server;
+    // Never destroyed: its threads may still be in it when the process ends.
+    static CUpnpServer& server = *new CUpnpServer;
     return server;
 }
 

@@ -1,6 +1,7 @@
 #include "OnvifEventCtrol.h"
 
 #include "EventWorld.h"
+#include "NetworkNamespace.h"
 #include "Peer.h"
 
 #include <cstring>
@@ -835,6 +836,34 @@ TEST(OnvifEventCtrolThread, TellsWithinAFewPassesAndStopsAtOnce)
     control.Start(port); // the records are still there
     PostOnvifNotification(port, Notification(address, Message(MOTION_TOPIC, "false")));
     EXPECT_TRUE(RepeatUntil([&] { return host.Count() == 2; }));
+    control.Stop();
+    control.DelObserver(token);
+    CHttpClientManager::Instance().ClientLogout(token);
+    NET_SOCKET_Quit();
+}
+
+// With interfaces of its own: the addresses are those of the machine, in the order of its table.
+TEST(OnvifEventCtrolInterfaces, CameraIsGivenTheAddressOfTheInterfaceMostLikeIts)
+{
+    SHARESDK_SetLogLevel(SHARESDK_LOG_NONE);
+    if (!CNetworkNamespace::Enter() || !CNetworkNamespace::AddInterface("eth0", "10.1.0.5/24") ||
+        !CNetworkNamespace::AddInterface("wlan0", "10.2.0.9/24") ||
+        !CNetworkNamespace::AddInterface("bond0", "10.2.0.5/24"))
+    {
+        GTEST_SKIP() << "the kernel does not allow a network namespace here";
+    }
+    NET_SOCKET_Initial(nullptr);
+    COnvifEventCtrol control;
+    EXPECT_TRUE(control.Start(CHttpClientManager::NOTIFICATION_PORT));
+    OnvifDeviceSimulator camera;
+    unsigned int error = 0;
+    const unsigned int token =
+        CHttpClientManager::Instance().ClientLogin(0xFFFFFFFF, "127.0.0.1", camera.Port(), "admin", "secret", &error);
+    NotingObserver host;
+    control.AddObserver(token, &host, "10.2.0.9", true, false);
+    EXPECT_EQ("http://10.2.0.5:6699/subscription_0", camera.Value("subscribe.consumer"));
+    control.AddObserver(token, &host, "172.16.0.1", true, false);
+    EXPECT_EQ("http://10.1.0.5:6699/subscription_1", camera.Value("subscribe.consumer"));
     control.Stop();
     control.DelObserver(token);
     CHttpClientManager::Instance().ClientLogout(token);
