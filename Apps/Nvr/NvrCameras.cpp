@@ -54,7 +54,7 @@ std::string TakeLine(const std::string& line, const NvrOptions& options, std::ve
     NvrOptions login;
     login.user = camera.user;
     login.password = camera.password;
-    const std::string problem = CredentialsProblem(login);
+    std::string problem = CredentialsProblem(login);
     if (problem.empty())
     {
         cameras.push_back(camera);

@@ -95,7 +95,7 @@ std::string CopyConfiguration(CTransformAnswer& out, unsigned int profile, const
     {
         return {};
     }
-    const std::string token = TokenOf(out.Soap(), item);
+    std::string token = TokenOf(out.Soap(), item);
     out.Answer().AddValue(AddEmpty(out, to, name), "token", token, false);
     return token;
 }

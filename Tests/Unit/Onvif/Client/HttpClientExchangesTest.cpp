@@ -230,4 +230,33 @@ TEST_F(HttpClientExchanges, OfALoginEndAfterFortySeconds)
     EXPECT_EQ("onvif/Media", Seen().back().path);
 }
 
+TEST_F(HttpClientExchanges, AboutMotionNeedAnAnalyticsConfiguration)
+{
+    for (const std::vector<ONVIF_PROFILE_TOKEN>& profiles :
+         {std::vector<ONVIF_PROFILE_TOKEN>(), std::vector<ONVIF_PROFILE_TOKEN>(1)})
+    {
+        m_client.SetProfileList(profiles);
+        EXPECT_EQ(ONVIF_UNREADABLE, m_client.GetMotionCfg(m_text));
+        EXPECT_EQ(ONVIF_UNREADABLE, m_client.GetMotionArea(m_text));
+        EXPECT_EQ(ONVIF_OK, m_client.SetMotionCfg("<Set><motion><name>N</name></motion></Set>", m_text));
+        EXPECT_EQ(ONVIF_OK, m_client.SetMotionArea("<Set><motion><area/></motion></Set>", m_text));
+    }
+    EXPECT_TRUE(Seen().empty());
+    EXPECT_EQ("", m_text);
+}
+
+// One exchange for each encoder that has a profile; the others are passed over.
+TEST_F(HttpClientExchanges, AboutEncodersNeedTheirProfile)
+{
+    const std::string nobody = "<item><index>1</index></item><item><index>-1</index></item><item/>";
+    EXPECT_EQ(ONVIF_NOTHING_DONE, m_client.SetVideoEncoderConfiguration(
+                                      "<Set><videoEncodeCfg>" + nobody + "</videoEncodeCfg></Set>", m_text));
+    EXPECT_TRUE(Seen().empty());
+    EXPECT_EQ(ONVIF_NO_XML,
+              m_client.SetVideoEncoderConfiguration("<Set><videoEncodeCfg>" + nobody + "<item><index>0</index></item>" +
+                                                        nobody + "</videoEncodeCfg></Set>",
+                                                    m_text));
+    EXPECT_EQ(1U, Seen().size());
+}
+
 } // namespace

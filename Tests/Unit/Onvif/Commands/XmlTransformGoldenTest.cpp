@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tinyxml2.h>
+
 namespace
 {
 
@@ -97,6 +99,36 @@ TEST_P(XmlTransformGolden, SurvivesAnAnswerThatIsCutAnywhere)
         std::string answer;
         one.transform(whole.substr(0, length), answer);
         EXPECT_NE(std::string::npos, answer.find("<status>success</status>"));
+    }
+}
+
+// Whatever a camera makes of a document, there is an answer for the host that is one.
+TEST_P(XmlTransformGolden, AnswersHostileDocuments)
+{
+    const std::string body = GetParam().answer.body;
+    std::string deep = body;
+    for (int depth = 0; depth < 2000; ++depth)
+    {
+        deep = (depth % 2 == 0 ? "<tt:Name>" : "<tt:Extension>") + deep;
+    }
+    const std::string hostile[] = {"",
+                                   "text",
+                                   "<",
+                                   "<?xml version=\"1.0\"?>",
+                                   "<html><body>401 Unauthorized</body></html>",
+                                   body,
+                                   DeviceAnswer(deep),
+                                   DeviceAnswer(""),
+                                   DeviceAnswer(body + body),
+                                   "<!DOCTYPE s [<!ENTITY a \"aaaa\"><!ENTITY b \"&a;&a;\">]>" +
+                                       DeviceAnswer("<tt:Name>&b;&#0;&#xffffffff;</tt:Name>"),
+                                   std::string("\0\xff\xfe<a>", 6)};
+    for (const std::string& soap : hostile)
+    {
+        std::string answer;
+        GetParam().answer.transform(soap, answer);
+        tinyxml2::XMLDocument document;
+        EXPECT_EQ(tinyxml2::XML_SUCCESS, document.Parse(answer.c_str())) << soap.substr(0, 100);
     }
 }
 
