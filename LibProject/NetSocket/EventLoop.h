@@ -58,8 +58,7 @@ private:
     event_base* m_base = nullptr;
     event* m_stopEvent = nullptr;
     event* m_sweepEvent = nullptr;
-    unsigned int m_thread = 0;   // handle; 0: not running
-    unsigned int m_threadId = 0; // kernel id
+    unsigned int m_thread = 0; // handle; 0: not running
     std::array<char, READ_BUFFER_SIZE> m_readBuffer{};
 
     std::mutex m_lingerLock;

@@ -12,5 +12,5 @@ public:
     void ListenDevice();
 
 private:
-    unsigned int m_thread = 0;
+    [[maybe_unused]] unsigned int m_thread = 0; ///< of a concrete search
 };

@@ -147,7 +147,7 @@ void CThreadPool::ThreadLoop()
     while (m_running)
     {
         event->WaitEvent(CMyEvent::WITHOUT_LIMIT);
-        if (!m_running)
+        if (!m_running) // cppcheck-suppress oppositeInnerCondition; Destroy changes it meanwhile
         {
             break;
         }

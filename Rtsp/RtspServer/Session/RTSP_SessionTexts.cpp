@@ -37,7 +37,7 @@ std::string TextForLog(const char* text)
     constexpr std::size_t SHOWN_BYTES = 240;
     std::string shown(text, strnlen(text, SHOWN_BYTES));
     if (const char* header = strcasestr(shown.c_str(), "authorization:"))
-        shown = shown.substr(0, static_cast<std::size_t>(header - shown.c_str())) + "authorization: ***";
+        shown.replace(static_cast<std::size_t>(header - shown.c_str()), std::string::npos, "authorization: ***");
     for (std::size_t scheme = shown.find("://"); scheme != std::string::npos; scheme = shown.find("://", scheme + 1))
     {
         const std::size_t user = scheme + 3;

@@ -74,6 +74,8 @@ struct KeyCase
     std::vector<std::string> calls;
     const char* token;  // stands in the request to the camera; empty: none is added
     const char* answer; // the key of the answer
+
+    friend void PrintTo(const KeyCase& one, std::ostream* out) { *out << one.name; }
 };
 
 // clang-format off

@@ -203,6 +203,59 @@ TEST_F(OnvifLogin, SucceedsWithoutRanges)
     EXPECT_EQ(0u, m_error);
 }
 
+TEST_F(OnvifLogin, UnderstandsEachDialect)
+{
+    for (const auto& [name, dialect] : OnvifDialects())
+    {
+        OnvifSimulatorOptions options;
+        options.dialect = dialect;
+        Start(options);
+        EXPECT_NE(NO_LOGIN, Login()) << name;
+        EXPECT_EQ("GetMoveOptions at onvif/imaging_service", Calls().back()) << name;
+    }
+}
+
+// An envelope of an older SOAP is read where its usual prefix is provided for: services and profiles, but no
+// capabilities.
+TEST_F(OnvifLogin, UnderstandsAnOlderEnvelope)
+{
+    OnvifSimulatorOptions options;
+    options.dialect.prefixes["s"] = "SOAP-ENV";
+    options.dialect.namespaces["s"] = "http://schemas.xmlsoap.org/soap/envelope/";
+    options.subscriptionPolicy = false;
+    Start(options);
+    const unsigned int token = Login();
+    EXPECT_EQ(0u, m_error);
+    EXPECT_EQ(std::make_pair(true, false), EventMode(token));
+    EXPECT_EQ("<streamCount>1</streamCount>", Get(token, "<streamCount/>"));
+}
+
+// Answers whose first element has no prefix: the profiles are read, what the camera says of its services is not.
+TEST_F(OnvifLogin, UnderstandsProfilesWithoutAPrefix)
+{
+    OnvifSimulatorOptions options;
+    options.dialect.bareResponseElement = true;
+    options.services["mdw"] = "onvif/Media";
+    Start(options);
+    const unsigned int token = Login();
+    EXPECT_EQ(0u, m_error);
+    EXPECT_EQ(15u, Calls().size());
+    EXPECT_EQ("GetProfiles at onvif/Media", Calls().back());
+    EXPECT_EQ("<streamCount>1</streamCount>", Get(token, "<streamCount/>"));
+}
+
+// Namespaces that stand below the root are not seen.
+TEST_F(OnvifLogin, DoesNotUnderstandDeclarationsBelowTheRoot)
+{
+    OnvifSimulatorOptions options;
+    options.dialect = OnvifDialects().at("UnusualPrefixes");
+    options.dialect.declaresInBody = true;
+    Start(options);
+    const unsigned int token = Login();
+    EXPECT_EQ(0u, m_error);
+    EXPECT_EQ("<streamCount>0</streamCount>", Get(token, "<streamCount/>"));
+}
+
 TEST_F(OnvifLogin, ReachesACameraBehindAddressTranslation)
 {
     OnvifSimulatorOptions options;

@@ -308,6 +308,55 @@ TEST_F(UpnpServer, PeerWithoutARequestIsToldNothingAndLeftOpen)
     SHARESDK_LogToConsole();
 }
 
+TEST_F(UpnpServer, SilentPeersDelayNobody)
+{
+    Init();
+    Start();
+    std::vector<std::unique_ptr<Peer>> silent;
+    for (int i = 0; i < 8; ++i)
+    {
+        silent.push_back(std::make_unique<Peer>(PORT));
+    }
+    EXPECT_THAT(Description(), HasSubstr("HTTP/1.1 200 OK"));
+}
+
+TEST_F(UpnpServer, NoiseAndAnswersStopNothing)
+{
+    Init();
+    Start();
+    unsigned int noise = 1;
+    for (int i = 0; i < 50; ++i)
+    {
+        std::string bytes;
+        for (int j = 0; j < 2000; ++j)
+        {
+            noise = noise * 1664525 + 1013904223;
+            bytes += static_cast<char>(noise >> 24);
+        }
+        Peer peer(PORT);
+        peer.Send(bytes + "\r\n\r\n");
+        peer.ShutdownSend();
+        peer.ReadAll();
+    }
+    Peer peer(PORT);
+    peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\nx");
+    peer.ReadAll();
+    EXPECT_THAT(Description(), HasSubstr("HTTP/1.1 200 OK"));
+}
+
+TEST_F(UpnpServer, TenThousandConnectionsLeaveItServing)
+{
+    Init();
+    Start();
+    for (int i = 0; i < 10000; ++i)
+    {
+        Peer peer(PORT);
+        ASSERT_TRUE(peer.IsOpen()) << i;
+        peer.Reset(); // leaves no port behind that waits for its time
+    }
+    EXPECT_THAT(Description(), HasSubstr("HTTP/1.1 200 OK"));
+}
+
 TEST_F(UpnpServer, HostAnnouncesWithItsStart)
 {
     AddInterface("eth0", "10.1.0.5/24");

@@ -8,6 +8,24 @@ namespace
 const std::uint64_t UNITS_PER_SECOND = 10000000;       // of 100 ns
 const std::uint64_t EPOCH_OFFSET = 116444736000000000; // units from 1601 to 1970
 
+std::uint64_t UnitsSince1970(const _FILETIME& fileTime)
+{
+    return ((static_cast<std::uint64_t>(fileTime.dwHighDateTime) << 32) | fileTime.dwLowDateTime) - EPOCH_OFFSET;
+}
+
+time_t SecondsOf(int year, int month, int day, int hour, int minute, int second, bool utc)
+{
+    tm fields = {};
+    fields.tm_year = year - 1900;
+    fields.tm_mon = month - 1;
+    fields.tm_mday = day;
+    fields.tm_hour = hour;
+    fields.tm_min = minute;
+    fields.tm_sec = second;
+    fields.tm_isdst = -1;
+    return utc ? timegm(&fields) : mktime(&fields);
+}
+
 } // namespace
 
 CPFTime::CPFTime()
@@ -21,24 +39,14 @@ CPFTime::CPFTime()
 CPFTime::CPFTime(time_t seconds) : m_seconds(seconds), m_100ns(0) {}
 
 CPFTime::CPFTime(const _FILETIME& fileTime)
+    : m_seconds(static_cast<time_t>(UnitsSince1970(fileTime) / UNITS_PER_SECOND)),
+      m_100ns(static_cast<std::uint32_t>(UnitsSince1970(fileTime) % UNITS_PER_SECOND))
 {
-    const std::uint64_t units =
-        ((static_cast<std::uint64_t>(fileTime.dwHighDateTime) << 32) | fileTime.dwLowDateTime) - EPOCH_OFFSET;
-    m_seconds = static_cast<time_t>(units / UNITS_PER_SECOND);
-    m_100ns = static_cast<std::uint32_t>(units % UNITS_PER_SECOND);
 }
 
-CPFTime::CPFTime(int year, int month, int day, int hour, int minute, int second, bool utc) : m_100ns(0)
+CPFTime::CPFTime(int year, int month, int day, int hour, int minute, int second, bool utc)
+    : m_seconds(SecondsOf(year, month, day, hour, minute, second, utc)), m_100ns(0)
 {
-    tm fields = {};
-    fields.tm_year = year - 1900;
-    fields.tm_mon = month - 1;
-    fields.tm_mday = day;
-    fields.tm_hour = hour;
-    fields.tm_min = minute;
-    fields.tm_sec = second;
-    fields.tm_isdst = -1;
-    m_seconds = utc ? timegm(&fields) : mktime(&fields);
 }
 
 tm CPFTime::Local() const

@@ -202,10 +202,8 @@ void CHttpDataPacket::ReadAnnouncement()
 
 void CHttpDataPacket::Cut(int length)
 {
-    std::unique_ptr<_DATA_PACK_> message(new _DATA_PACK_);
-    m_pack.MoveFromHeader(length, *message);
-    m_pending.push_back(message.get());
-    static_cast<void>(message.release());
+    m_pending.push_back(new _DATA_PACK_);
+    m_pack.MoveFromHeader(length, *m_pending.back());
     m_front = Announcement();
 }
 

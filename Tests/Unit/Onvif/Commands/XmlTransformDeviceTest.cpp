@@ -64,6 +64,8 @@ struct AnswerCase
     Transform transform;
     const char* body;   // of the camera, with the standard prefixes
     const char* answer; // of the host
+
+    friend void PrintTo(const AnswerCase& one, std::ostream* out) { *out << one.name; }
 };
 
 // clang-format off

@@ -615,6 +615,25 @@ TEST_F(OnvifEventPort, NoiseStopsNothing)
     EXPECT_EQ(ACKNOWLEDGED, Post("x"));
 }
 
+TEST_F(OnvifEventPort, EndlessHeaderIsClosed)
+{
+    Peer peer(m_port);
+    peer.Send("POST / HTTP/1.1\r\nX: " + std::string(11 << 20, 'x'));
+    EXPECT_TRUE(peer.WaitClosed());
+    EXPECT_EQ(ACKNOWLEDGED, Post("x"));
+}
+
+TEST_F(OnvifEventPort, TenThousandConnectionsLeaveItServing)
+{
+    for (int i = 0; i < 10000; ++i)
+    {
+        Peer peer(m_port);
+        ASSERT_TRUE(peer.IsOpen()) << i;
+        peer.Reset(); // leaves no port behind that waits for its time
+    }
+    EXPECT_EQ(ACKNOWLEDGED, Post("x"));
+}
+
 // Pull points.
 
 TEST_F(OnvifEventCtrol, AnswerOfAPullPointIsTold)
