@@ -201,6 +201,11 @@ class Picture(Api):
         self.assertIn("640x360", caps)
         self.assertIn("main", self.get("GetVideoStreamConfig"))
         self.set("RequestKeyFrame", "")
+        self.set("SetVideoStreamConfig", '<streams type="list" count="1"><item id="1"><resolution>160x90</resolution>'
+                 "<frameRate>5</frameRate></item></streams>")
+        sub = self.get("GetVideoStreamConfig").split("<item")[2]
+        self.assertIn("160x90", sub)
+        self.assertRegex(sub, "<frameRate[^>]*>5<")
 
     def test_sound_has_another_code_after_a_change(self):
         self.assertEqual("G711a", self.value(self.get("GetAudioStreamConfig"), "audioEncode"))
@@ -306,6 +311,7 @@ class Alarms(Api):
         self.assertEqual(400, self.curl("camera", "ORBIT-700 sensor 9 close")[0])
 
     def test_motion_begins_and_ends(self):
+        self.assertEqual("6", self.value(self.get("GetMotionConfig"), "sensitivity"))
         # The test picture moves all the time, until a mask covers it.
         self.set("SetMotionConfig", "<motion><switch>true</switch><sensitivity>6</sensitivity>"
                  "<alarmHoldTime>0</alarmHoldTime></motion>")
@@ -323,6 +329,15 @@ class Alarms(Api):
         self.set("SetMotionConfig", "<motion><switch>false</switch></motion>")
 
 
+class Records(Api):
+    def test_are_searched(self):
+        self.wait_for(lambda: 'count="1"' in self.get("SearchRecordDate"))
+        self.wait_for(lambda: 'count="1"' in self.get("SearchByTime", ROOT % ""))
+        self.assertIn('count="0"', self.get("SearchByTime", ROOT % (
+            "<search><starttime>2001-01-01 00:00:00</starttime><endtime>2001-01-02 00:00:00</endtime></search>")))
+        self.assertEqual(400, self.curl("SearchByTime/2", ROOT % "")[0])
+
+
 class Network(Api):
     def test_settings_are_kept(self):
         self.set("SetNetBasicConfig", "<tcpIp><ipSettingMode>dhcp</ipSettingMode><dnsServer1>192.0.2.1</dnsServer1></tcpIp>")
@@ -332,6 +347,7 @@ class Network(Api):
         self.set("SetDdnsConfig", "<ddns><servertype>mintdns</servertype><serverName>ns.example</serverName></ddns>")
         self.assertEqual("ns.example", self.value(self.get("GetDdnsConfig"), "serverName"))
         self.refuse("SetPortConfig", "<port><httpPort>0</httpPort></port>", 3)
+        self.assertEqual(str(self.camera.http), self.value(self.get("GetPortConfig"), "httpPort"))
         port = self.camera.free_port()
         self.set("SetAlarmServerConfig", "<alarmServer><serverAddr>127.0.0.1</serverAddr><serverPort>%d</serverPort>"
                  "</alarmServer>" % port)

@@ -10,6 +10,7 @@ namespace
 {
 
 constexpr std::int64_t SEGMENT_US = 60 * std::int64_t{1000000};
+constexpr std::uint64_t LEAST_SEGMENTS = 8; // within the limit, so that the oldest is a small part of all
 
 } // namespace
 
@@ -35,7 +36,8 @@ void CRecorder::PutVideo(int stream, const std::vector<unsigned char>& frame, bo
     }
     const std::lock_guard<std::mutex> guard(m_lock);
     const auto steadyUs = static_cast<std::int64_t>(presentationUs);
-    const bool isFull = m_writer.IsOpen() && steadyUs + m_offsetUs - m_segment.startUs >= SEGMENT_US;
+    const bool isFull = m_writer.IsOpen() && (steadyUs + m_offsetUs - m_segment.startUs >= SEGMENT_US ||
+                                              m_segment.bytes >= m_limitBytes / LEAST_SEGMENTS);
     if (keyFrame && (isFull || !m_writer.IsOpen()))
     {
         EndSegment();

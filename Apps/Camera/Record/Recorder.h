@@ -14,7 +14,7 @@ class CRecorder : public CFrameSink
 {
 public:
     /// @param index       borrowed for the recorder's life
-    /// @param limitBytes  what all segments together may take; the one being written may go over it for its length
+    /// @param limitBytes  what all segments together may take; the one being written may go over it by an eighth
     CRecorder(CRecordIndex& index, std::uint64_t limitBytes);
     ~CRecorder() override;
 

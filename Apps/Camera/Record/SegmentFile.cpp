@@ -37,7 +37,7 @@ Number GetLE(const unsigned char* in)
 
 bool WriteAll(std::FILE* file, const unsigned char* data, std::size_t length)
 {
-    return std::fwrite(data, 1, length, file) == length;
+    return length == 0 || std::fwrite(data, 1, length, file) == length;
 }
 
 } // namespace
@@ -136,7 +136,7 @@ bool CSegmentReader::Next(RecordedFrame& frame)
         frame.keyFrame = header.keyFrame;
         frame.timeUs = header.timeUs;
         frame.payload.resize(header.length);
-        if (std::fread(frame.payload.data(), 1, header.length, m_file.get()) == header.length)
+        if (header.length == 0 || std::fread(frame.payload.data(), 1, header.length, m_file.get()) == header.length)
         {
             return true;
         }

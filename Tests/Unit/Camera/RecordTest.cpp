@@ -332,6 +332,20 @@ TEST_F(Recordings, TheRecorderBeginsASegmentEachMinuteAtAKeyFrame)
     EXPECT_EQ(2U, m_index.Find(0, WallClockUs() + 1000 * SECOND).size()); // from 0 and from 70 on
 }
 
+TEST_F(Recordings, ASegmentIsASmallPartOfTheSpace)
+{
+    CRecorder recorder(m_index, 80000);
+    const std::uint64_t now = SteadyClockUs();
+    for (std::uint64_t count = 0; count < 30; ++count)
+    {
+        recorder.PutVideo(0, std::vector<unsigned char>(2500), true, now + count * 100000);
+    }
+    recorder.Finish();
+    const std::vector<RecordSegment> found = m_index.Find(0, WallClockUs() + 1000 * SECOND);
+    EXPECT_EQ(8U, found.size()); // four frames each, which are an eighth of the space
+    EXPECT_LE(m_index.TotalBytes(), 80000U);
+}
+
 TEST_F(Recordings, TheRecorderMakesRoomForTheNewest)
 {
     CRecorder recorder(m_index, 5000);
