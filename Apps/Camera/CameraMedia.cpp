@@ -134,13 +134,18 @@ void CCamera::RepeatKeyFrames()
 
 bool CCamera::StartMedia(std::string& problem)
 {
-    CFrameSink& sink = m_options.recordLimit > 0 ? static_cast<CFrameSink&>(m_feedAndRecorder) : m_feed;
+    CFrameSink* sink = &m_feed;
+    if (m_options.recordLimit > 0)
+    {
+        sink = &m_feedAndRecorder;
+    }
     m_lastPictureUs = SteadyClockUs();
-    auto media = std::make_unique<CMediaPipeline>(m_options, CMediaPipeline::Parts{sink, m_work,
-                                                                                   [this](bool moving)
-                                                                                   {
-                                                                                       OnPicture(moving);
-                                                                                   }});
+    CMediaPipeline::Parts parts{*sink, m_work, nullptr};
+    parts.onPicture = [this](bool moving)
+    {
+        OnPicture(moving);
+    };
+    auto media = std::make_unique<CMediaPipeline>(m_options, std::move(parts));
     const bool started = media->Start(m_device->Settings(), problem);
     {
         const std::lock_guard<std::mutex> guard(m_mediaLock);
