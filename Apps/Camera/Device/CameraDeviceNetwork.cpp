@@ -16,7 +16,7 @@ namespace
 {
 
 constexpr std::int64_t SECOND_US = 1000000;
-constexpr std::int64_t DAY_US = 24 * 3600 * SECOND_US;
+constexpr std::int64_t DAY_US = SECOND_US * 24 * 3600;
 
 /// Empty or four numbers with dots.
 bool IsAddress(const char (&text)[16])

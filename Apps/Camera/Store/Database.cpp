@@ -71,7 +71,8 @@ std::string CStatement::Text()
     const int column = m_read++;
     const unsigned char* const text = sqlite3_column_text(m_statement, column);
     const int length = sqlite3_column_bytes(m_statement, column);
-    return text == nullptr ? std::string() : std::string(reinterpret_cast<const char*>(text), length);
+    return text == nullptr ? std::string()
+                           : std::string(reinterpret_cast<const char*>(text), static_cast<std::size_t>(length));
 }
 
 CDatabase::~CDatabase()

@@ -14,7 +14,7 @@ constexpr const char* PLAYER_TEXT =
 
 CTalkPlayer::~CTalkPlayer()
 {
-    Flush();
+    CTalkPlayer::Flush();
 }
 
 bool CTalkPlayer::Start()

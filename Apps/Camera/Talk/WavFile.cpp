@@ -25,13 +25,19 @@ void PutLE32(unsigned char* out, std::uint32_t value)
     PutLE16(out + 2, value >> 16);
 }
 
+/// Four characters, without a zero byte behind them.
+void PutTag(unsigned char* out, const char (&tag)[5])
+{
+    std::copy_n(tag, 4, out);
+}
+
 } // namespace
 
 CWavFile::~CWavFile()
 {
     if (m_file != nullptr)
     {
-        Flush();
+        CWavFile::Flush();
         std::fclose(m_file);
     }
 }
@@ -51,9 +57,10 @@ bool CWavFile::Open(const std::string& path, std::string& problem)
 bool CWavFile::WriteHeader()
 {
     unsigned char header[HEADER_BYTES] = {};
-    std::memcpy(header, "RIFF", 4);
+    PutTag(header, "RIFF");
     PutLE32(header + 4, static_cast<std::uint32_t>(HEADER_BYTES) - 8 + m_dataBytes);
-    std::memcpy(header + 8, "WAVEfmt ", 8);
+    PutTag(header + 8, "WAVE");
+    PutTag(header + 12, "fmt ");
     PutLE32(header + 16, 16);
     PutLE16(header + 20, 1);
     PutLE16(header + 22, 1);
@@ -61,7 +68,7 @@ bool CWavFile::WriteHeader()
     PutLE32(header + 28, RATE * SAMPLE_BYTES);
     PutLE16(header + 32, SAMPLE_BYTES);
     PutLE16(header + 34, 8 * SAMPLE_BYTES);
-    std::memcpy(header + 36, "data", 4);
+    PutTag(header + 36, "data");
     PutLE32(header + 40, m_dataBytes);
     return std::fseek(m_file, 0, SEEK_SET) == 0 && std::fwrite(header, 1, sizeof(header), m_file) == sizeof(header) &&
            std::fseek(m_file, 0, SEEK_END) == 0;
