@@ -11,9 +11,9 @@ help:
 	@echo "make test        build everything and run every test"
 	@echo "make test-asan   the same under AddressSanitizer and UndefinedBehaviorSanitizer"
 	@echo "make test-tsan   the same under ThreadSanitizer"
-	@echo "make bench       build optimised and run the benchmarks"
+	@echo "make bench       build optimised, run the benchmarks, and put their figures into the documents"
 	@echo "make fuzz        run each fuzz target for FUZZ_SECONDS (60)"
-	@echo "make docs        try every example that the documents show"
+	@echo "make docs        draw the pictures, make build/docs/html, and try every example that the documents show"
 	@echo "make format      lay out all sources"
 	@echo "make lint        check layout, run clang-tidy and cppcheck"
 	@echo "make deps        install the Debian packages; the others do so themselves"
@@ -41,12 +41,15 @@ bench: deps
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS)
 	Bench/run.sh
+	python3 -B Bench/publish.py
 
 fuzz:
 	@scripts/deps.sh fuzz
 	scripts/fuzz.sh
 
 docs: deps
+	docs/pictures/draw.sh docs/pictures
+	docs/make.sh build/docs
 	cmake --preset dev
 	cmake --build --preset dev --parallel $(JOBS)
 	ctest --preset dev --tests-regex '^Docs'

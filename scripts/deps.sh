@@ -10,7 +10,8 @@ BUILD="cmake ninja-build g++ pkg-config
   gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly
   gstreamer1.0-x gstreamer1.0-libav gstreamer1.0-tools
   libgtest-dev libgmock-dev libbenchmark-dev
-  python3 ffmpeg curl libxml2-utils chromium iproute2 util-linux gupnp-tools"
+  python3 ffmpeg curl libxml2-utils chromium iproute2 util-linux gupnp-tools
+  doxygen graphviz gnuplot-nox"
 FORMAT="git clang-format"
 LINT="clang-tidy cppcheck"
 FUZZ="clang libclang-rt-14-dev"
