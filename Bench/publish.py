@@ -87,16 +87,17 @@ def packetiser_rows(bench):
             yield [row["name"], 1e9 / float(row["items_per_second"])]
 
 
-def machine_rows():
+def machine_rows(bench):
     """Where and when, so that a reader can judge the figures."""
+    made_with = figures(bench / "run.tsv")
     with open("/proc/cpuinfo", encoding="utf-8") as cpuinfo:
         cpu = next((line.split(":", 1)[1].strip() for line in cpuinfo if line.startswith("model name")), "unknown")
     commit = subprocess.run(["git", "rev-parse", "--short", "HEAD"], cwd=ROOT, stdout=subprocess.PIPE, text=True)
     compiler = subprocess.run(["g++", "--version"], stdout=subprocess.PIPE, text=True).stdout.splitlines()[0]
     yield from (["day", time.strftime("%Y-%m-%d")], ["commit", commit.stdout.strip() or "unknown"],
                 ["processor", f"{cpu}, {os.cpu_count()} cores"], ["kernel", platform.release()],
-                ["compiler", compiler], ["seconds a load", os.environ.get("BENCH_SECONDS", "8")],
-                ["load average at the end", "%.1f" % os.getloadavg()[0]])
+                ["compiler", compiler], ["seconds a load", made_with["seconds"]],
+                ["load average at the begin", made_with["load_average"]])
 
 
 def main(bench=ROOT / "build" / "bench", data=ROOT / "docs" / "performance"):
@@ -104,7 +105,7 @@ def main(bench=ROOT / "build" / "bench", data=ROOT / "docs" / "performance"):
     files = {name: [[*keys, *names], *plain_rows(bench, names, runs)] for name, (keys, names, runs) in PLAIN.items()}
     files["commands"] = [["command", "cpu_us", "allocations", "bytes"], *command_rows(bench)]
     files["packetiser"] = [["benchmark", "ns_per_packet"], *packetiser_rows(bench)]
-    files["machine"] = [["name", "value"], *machine_rows()]
+    files["machine"] = [["name", "value"], *machine_rows(bench)]
     data.mkdir(parents=True, exist_ok=True)
     for name, rows in files.items():
         with open(data / f"{name}.tsv", "w", encoding="utf-8", newline="") as file:

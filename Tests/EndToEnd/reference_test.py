@@ -111,6 +111,7 @@ def bench_output(directory):
             number += 1
             lines.append("%s\t%d.5\n" % (figure, number))
         (directory / (name + ".tsv")).write_text("".join(lines))
+    (directory / "run.tsv").write_text("seconds\t8\nload_average\t0.25\n")
     head = "name\titerations\treal_time\tcpu_time\ttime_unit\tbytes_per_second\titems_per_second\tlabel\terror_occurred\terror_message"
     (directory / "micro-api.tsv").write_text(
         head + '\t"allocations"\t"bytes"\n"Ask/GetDeviceInfo"\t1\t2\t12500\tns\t\t\t\t\t\t31\t1650\n')
@@ -125,6 +126,7 @@ class Figures(unittest.TestCase):
             self.assertEqual(set(tables.COLUMNS), {path.stem for path in pathlib.Path(data).glob("*.tsv")})
             self.assertIn("GetDeviceInfo\t12.5\t31.0\t1650.0\n", pathlib.Path(data, "commands.tsv").read_text())
             self.assertIn("Pack/FU-A\t50.0\n", pathlib.Path(data, "packetiser.tsv").read_text())
+            self.assertIn("load average at the begin\t0.25\n", pathlib.Path(data, "machine.tsv").read_text())
             self.assertIn("tcp\t128\t", pathlib.Path(data, "packets.tsv").read_text())
             for name, columns in tables.COLUMNS.items():
                 head = pathlib.Path(data, name + ".tsv").read_text().splitlines()[0].split("\t")
@@ -155,6 +157,65 @@ class Figures(unittest.TestCase):
         page = tables.PAGE.read_text()
         self.assertEqual(tables.written(page), page, "run docs/performance/tables.py")
         self.assertEqual(set(tables.COLUMNS), set(re.findall(r"<!-- table (\w+) -->", page)))
+
+
+def test_sources():
+    return "".join(path.read_text(errors="replace") for path in (ROOT / "Tests").rglob("*.cpp"))
+
+
+class Claims(unittest.TestCase):
+    """What pages say of the code and its tests."""
+
+    def test_name_tests_that_exist(self):
+        names = {"%s.%s" % found
+                 for found in re.findall(r"^(?:TEST|TEST_F|TEST_P)\((\w+),\s*(\w+)\)", test_sources(), re.M)}
+        page = (DOCS / "limits.md").read_text()
+        rows = [line for line in page.splitlines() if line.startswith("| ") and not line.endswith(("| Test |", "| |"))]
+        cited = set(re.findall(r"`(\w+\.\w+)`", "".join(row.rsplit("|", 2)[1] for row in rows)))
+        self.assertGreater(len(cited), 300)
+        self.assertEqual(set(), cited - names)
+        tables = page[page.index("## Bounds"):]
+        for row in re.findall(r"^\| .* \|$", tables, re.M):
+            self.assertRegex(row, r"`\w+\.\w+` \|$|Test \|$", "a row without its test")
+
+    def test_show_bytes_that_tests_expect(self):
+        expected = re.sub(r'"\s*\n\s*"', "", test_sources()).replace('\\"', '"')
+        page = (DOCS / "wire-formats.md").read_text()
+        lines = re.findall(r"^    (.+)$", page, re.M)
+        self.assertGreater(len(lines), 60)
+        for line in lines:
+            for piece in line.split("..."):
+                with self.subTest(line):
+                    self.assertTrue(piece.rstrip("\n") in expected, piece)
+
+    def test_tell_every_operation_that_a_host_implements(self):
+        page = (DOCS / "host.md").read_text()
+        tables = page[page.index("## What each operation must do"):]
+        for header in ("DevInterface.h", "StreamCtrl.h"):
+            code = (ROOT / "include" / header).read_text()
+            operations = re.findall(r"virtual [\w:]+(?: int)? (\w+)\(", code)
+            self.assertGreater(len(operations), 7)
+            for operation in operations:
+                with self.subTest(operation):
+                    self.assertRegex(tables, r"(?m)^\|[^|]*`%s`" % operation)
+
+    def test_tell_every_key_of_the_onvif_client(self):
+        page = (DOCS / "onvif-client.md").read_text()
+        listed = page[page.index("## All keys"):]
+        code = (ROOT / "Onvif" / "Client" / "HttpClientDispatch.cpp").read_text()
+        reads, writes = code.split("SET_KEYS[]", 1)
+        for way, table in (("Get", reads), ("Set", writes)):
+            rows = listed[listed.index("### %s" % way):]
+            rows = rows[:rows.index("\n#", 1) if "\n#" in rows[1:] else len(rows)]
+            keys = re.findall(r'^    \{"(\w+)",', table, re.M)
+            self.assertGreater(len(keys), 20)
+            self.assertEqual(sorted(keys), sorted(re.findall(r"^\| `(\w+)` \|", rows, re.M)), way)
+
+    def test_tell_every_command_of_the_xml_api(self):
+        code = (ROOT / "QlxApi" / "QlxApiCommands.cpp").read_text()
+        index = (DOCS / "api" / "README.md").read_text()
+        self.assertEqual(sorted(re.findall(r'^    \{"(\w+)"', code, re.M)),
+                         sorted(re.findall(r"^\| `(\w+)` \|", index, re.M)))
 
 
 if __name__ == "__main__":

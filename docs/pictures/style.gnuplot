@@ -6,7 +6,7 @@ set datafile separator "\t"
 set border 3 lc rgb "#64748b"
 set grid ytics lc rgb "#e2e8f0" lt 1
 set tics nomirror textcolor rgb "#334155"
-set key top right textcolor rgb "#0f172a"
+set key outside bottom center horizontal textcolor rgb "#0f172a"
 set title textcolor rgb "#0f172a"
 set style line 1 lc rgb "#1d4ed8" lw 2.5 pt 7 ps 0.7
 set style line 2 lc rgb "#b45309" lw 2.5 pt 5 ps 0.7
