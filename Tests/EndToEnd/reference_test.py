@@ -224,6 +224,14 @@ class Claims(unittest.TestCase):
             self.assertGreater(len(keys), 20)
             self.assertEqual(sorted(keys), sorted(re.findall(r"^\| `(\w+)` \|", rows, re.M)), way)
 
+    def test_begin_with_whom_they_are_for(self):
+        for page in DOCS.rglob("*.md"):
+            if page.parent in (PICTURES, DOCS / "performance") or page == DOCS / "README.md":
+                continue
+            opening = " ".join(page.read_text().split("\n## ")[0].split("\n```")[0].split())
+            with self.subTest(str(page.relative_to(DOCS))):
+                self.assertRegex(opening, r"^# .*? For .*\. After (this|these|ten) ")
+
     def test_tell_every_command_of_the_xml_api(self):
         code = (ROOT / "QlxApi" / "QlxApiCommands.cpp").read_text()
         index = (DOCS / "api" / "README.md").read_text()
