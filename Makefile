@@ -2,7 +2,7 @@
 #
 #   make run              build and start the reference camera (ARGS="--fps 25" passes options)
 #   make test             build everything and run every test
-.PHONY: help deps run test test-asan test-tsan bench fuzz docs format lint clean
+.PHONY: help deps run test test-asan test-tsan coverage bench fuzz docs format lint clean
 
 JOBS ?= $(shell nproc)
 
@@ -11,11 +11,12 @@ help:
 	@echo "make test        build everything and run every test"
 	@echo "make test-asan   the same under AddressSanitizer and UndefinedBehaviorSanitizer"
 	@echo "make test-tsan   the same under ThreadSanitizer"
+	@echo "make coverage    run the library's tests and report which lines they reach"
 	@echo "make bench       build optimised and run the benchmarks"
 	@echo "make fuzz        run each fuzz target for FUZZ_SECONDS (60)"
 	@echo "make docs        try every example that the documents show"
 	@echo "make format      lay out all sources"
-	@echo "make lint        check layout, run clang-tidy and cppcheck"
+	@echo "make lint        check layout, compile with clang, run clang-tidy and cppcheck"
 	@echo "make deps        install the Debian packages; the others do so themselves"
 	@echo "make clean       remove build/"
 
@@ -36,6 +37,10 @@ test-asan test-tsan: test-%: deps
 	cmake --preset $*
 	cmake --build --preset $* --parallel $(JOBS)
 	ctest --preset $* --parallel $(JOBS)
+
+coverage:
+	@scripts/deps.sh coverage
+	scripts/coverage.sh
 
 bench: deps
 	cmake --preset release

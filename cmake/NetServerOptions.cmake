@@ -15,6 +15,12 @@ endif()
 target_compile_options(netserver_options INTERFACE ${NETSERVER_SANITIZE_FLAGS})
 target_link_options(netserver_options INTERFACE ${NETSERVER_SANITIZE_FLAGS})
 
+# Counted atomically: threads run the same lines.
+if(NETSERVER_COVERAGE)
+  target_compile_options(netserver_options INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(netserver_options INTERFACE --coverage)
+endif()
+
 # The fuzzer sees which code an input reaches.
 if(NETSERVER_BUILD_FUZZ)
   target_compile_options(netserver_options INTERFACE -fsanitize=fuzzer-no-link)

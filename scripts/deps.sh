@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs the Debian 12 packages that a task needs. Does nothing when they are there.
-# usage: deps.sh [build] [format] [lint] [fuzz]      (build when none is named)
+# usage: deps.sh [build] [format] [lint] [coverage] [fuzz]      (build when none is named)
 set -eu
 
 # What builds the library, the camera, the tests and the benchmarks, and the clients that the tests drive.
@@ -12,7 +12,8 @@ BUILD="cmake ninja-build g++ pkg-config
   libgtest-dev libgmock-dev libbenchmark-dev
   python3 ffmpeg curl libxml2-utils chromium iproute2 util-linux gupnp-tools"
 FORMAT="git clang-format"
-LINT="clang-tidy cppcheck"
+LINT="clang clang-tidy cppcheck"
+COVERAGE="gcovr"
 FUZZ="clang libclang-rt-14-dev"
 
 packages=""
@@ -21,6 +22,7 @@ for group in "${@:-build}"; do
     build) packages="$packages $BUILD" ;;
     format) packages="$packages $FORMAT" ;;
     lint) packages="$packages $BUILD $FORMAT $LINT" ;;
+    coverage) packages="$packages $BUILD $COVERAGE" ;;
     fuzz) packages="$packages $BUILD $FUZZ" ;;
     *) echo "deps.sh: no group '$group'" >&2; exit 2 ;;
   esac

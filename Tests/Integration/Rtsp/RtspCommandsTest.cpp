@@ -35,7 +35,7 @@ protected:
         return method + " " + url + " RTSP/1.0\r\nCSeq: " + std::to_string(++cseq) + "\r\n" + headers + "\r\n";
     }
     std::string Url(const std::string& path) const { return world.Url(path); }
-    std::string Setup(int track, const std::string& transport)
+    std::string SetupTrack(int track, const std::string& transport)
     {
         return Ask(
             Request("SETUP", Url("/live/one/trackID=" + std::to_string(track)), "Transport: " + transport + "\r\n"));
@@ -152,22 +152,22 @@ TEST_F(RtspCommands, SetupOverTcpRepeatsTheChannels)
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 2\r\n" + MODIFIED +
                   "DATE\r\nTransport: RTP/AVP/TCP;unicast;destination=127.0.0.1;source=127.0.0.1;interleaved=2-3;"
                   "ssrc=SSRC\r\nSession: ID;timeout=60\r\n\r\n",
-              Setup(0, "RTP/AVP/TCP;unicast;interleaved=2-3"));
+              SetupTrack(0, "RTP/AVP/TCP;unicast;interleaved=2-3"));
 }
 
 TEST_F(RtspCommands, SetupOverTcpWithoutChannelsCountsThemUp)
 {
     world.BeginLive();
     Describe();
-    EXPECT_NE(std::string::npos, Setup(0, "RTP/AVP/TCP;unicast").find(";interleaved=0-1;"));
-    EXPECT_NE(std::string::npos, Setup(1, "RTP/AVP/TCP;unicast").find(";interleaved=2-3;"));
+    EXPECT_NE(std::string::npos, SetupTrack(0, "RTP/AVP/TCP;unicast").find(";interleaved=0-1;"));
+    EXPECT_NE(std::string::npos, SetupTrack(1, "RTP/AVP/TCP;unicast").find(";interleaved=2-3;"));
 }
 
 TEST_F(RtspCommands, SetupRepeatsChannelsAboveAByteAsTheyAre)
 {
     world.BeginLive();
     Describe();
-    EXPECT_NE(std::string::npos, Setup(0, "RTP/AVP/TCP;interleaved=300-301").find(";interleaved=300-301;"));
+    EXPECT_NE(std::string::npos, SetupTrack(0, "RTP/AVP/TCP;interleaved=300-301").find(";interleaved=300-301;"));
     Ask(Request("PLAY", Url("/live/one")));
     world.PushVideo(1, 0, KeyFrame(), true, 2000000);
     EXPECT_EQ(std::string("$\x2c", 2), peer.Read(2)); // 300 in its low byte
@@ -180,7 +180,7 @@ TEST_F(RtspCommands, SetupOverUdpNamesBothPairsOfPorts)
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 2\r\n" + MODIFIED +
                   "DATE\r\nTransport: RTP/AVP;unicast;destination=127.0.0.1;source=127.0.0.1;client_port=6000-6001;"
                   "server_port=P-P;ssrc=SSRC\r\nSession: ID;timeout=60\r\n\r\n",
-              Setup(0, "RTP/AVP;unicast;client_port=6000-6001"));
+              SetupTrack(0, "RTP/AVP;unicast;client_port=6000-6001"));
 }
 
 // The address is looked for at even places of the text only, so a method word of odd length hides it.
@@ -197,7 +197,7 @@ TEST_F(RtspCommands, SetupOverMulticastFindsNoGroup)
 {
     world.BeginLive();
     Describe();
-    EXPECT_EQ(UnknownError("2"), Setup(0, "RTP/AVP;multicast;port=6000-6001"));
+    EXPECT_EQ(UnknownError("2"), SetupTrack(0, "RTP/AVP;multicast;port=6000-6001"));
     EXPECT_TRUE(peer.WaitClosed());
 }
 
@@ -218,21 +218,21 @@ TEST_F(RtspCommands, SetupWithoutATrackIsNotFound)
 
 TEST_F(RtspCommands, SetupOfTrackThreeIsNotFound)
 {
-    EXPECT_EQ(NotFound("1"), Setup(3, "RTP/AVP/TCP"));
+    EXPECT_EQ(NotFound("1"), SetupTrack(3, "RTP/AVP/TCP"));
 }
 
 TEST_F(RtspCommands, ASecondSetupOfATrackCloses)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
-    EXPECT_EQ(UnknownError("3"), Setup(0, "RTP/AVP/TCP;interleaved=0-1"));
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
+    EXPECT_EQ(UnknownError("3"), SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1"));
     EXPECT_TRUE(peer.WaitClosed());
 }
 
 TEST_F(RtspCommands, SetupWithoutDescribeSetsUpVideoWithPayloadZero)
 {
-    EXPECT_EQ("RTSP/1.0 200 OK", Setup(0, "RTP/AVP/TCP;interleaved=0-1").substr(0, 15));
+    EXPECT_EQ("RTSP/1.0 200 OK", SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1").substr(0, 15));
     Ask(Request("PLAY", Url("/live/one")));
     world.PushVideo(0, 0, KeyFrame(), true, 1000000); // describes the stream that the client made
     const std::string packet = peer.Read(20);
@@ -254,8 +254,8 @@ TEST_F(RtspCommands, PlayNamesTheTracksInOrder)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
-    Setup(1, "RTP/AVP/TCP;interleaved=2-3");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(1, "RTP/AVP/TCP;interleaved=2-3");
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 4\r\nSession: ID\r\nRange: npt=0.000- \r\nRTP-Info: url=" +
                   Url("/live/one") + "/0;seq=S;rtptime=T,url=" + Url("/live/one") + "/1;seq=S;rtptime=T\r\n\r\n",
               Ask(Request("PLAY", Url("/live/one"))));
@@ -272,7 +272,7 @@ TEST_F(RtspCommands, PlayWhilePlayingIs405)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     Ask(Request("PLAY", Url("/live/one")));
     EXPECT_EQ("RTSP/1.0 405 Method Not Allowed", Ask(Request("PLAY", Url("/live/one"))).substr(0, 31));
 }
@@ -281,9 +281,9 @@ TEST_F(RtspCommands, ATrackAddedWhilePlayingIsPlayedByAFurtherPlay)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     Ask(Request("PLAY", Url("/live/one")));
-    EXPECT_EQ("RTSP/1.0 200 OK", Setup(1, "RTP/AVP/TCP;interleaved=2-3").substr(0, 15));
+    EXPECT_EQ("RTSP/1.0 200 OK", SetupTrack(1, "RTP/AVP/TCP;interleaved=2-3").substr(0, 15));
     world.PushVideo(1, 0, KeyFrame(), true, 2000000); // the first track goes on meanwhile
     EXPECT_EQ(std::string("$\0", 2), peer.Read(2));
     peer.Read(18 + 20 + 36); // the rest of the SPS's, the PPS's and the slice's packets
@@ -296,7 +296,7 @@ TEST_F(RtspCommands, TeardownAnswersAndCloses)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 3\r\nSession:ID\r\nConnection: Close\r\n\r\n",
               Ask(Request("TEARDOWN", Url("/live/one"))));
     EXPECT_TRUE(peer.WaitClosed());
@@ -324,7 +324,7 @@ TEST_F(RtspCommands, AClientThatDisconnectsLeavesTheStreamOpen)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     peer.Close();
     world.Rounds(3);
     EXPECT_EQ(std::vector<std::string>{"OpenLiveStream 1 0 0"}, world.stream.Calls());
@@ -335,7 +335,7 @@ TEST_F(RtspCommands, GetParameterIsAnsweredWithCSeqZero)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 0\r\nSession: ID\r\n\r\n",
               Ask(Request("GET_PARAMETER", Url("/live/one"))));
 }
@@ -346,7 +346,7 @@ TEST_F(RtspCommands, GetParameterIsAnsweredWithItsCSeqWhenStandardRtspIsChosen)
     peer = world.Connect();
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 3\r\nSession: ID\r\n\r\n",
               Ask(Request("GET_PARAMETER", Url("/live/one"))));
 }
@@ -356,7 +356,7 @@ TEST_F(RtspCommands, ThePolicyOfAConnectionIsThatOfItsBeginning)
     CPolicy::SetCurrent(CPolicy(1));
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     EXPECT_NE(std::string::npos, Ask(Request("GET_PARAMETER", Url("/live/one"))).find("CSeq: 0\r\n"));
 }
 
@@ -364,7 +364,7 @@ TEST_F(RtspCommands, SetParameterIsAnsweredLikeGetParameter)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 3\r\nSession: ID\r\n\r\n",
               Ask(Request("SET_PARAMETER", Url("/live/one"))));
 }
@@ -431,12 +431,12 @@ TEST_P(RtspState, AnswersAndStaysOrCloses)
     world.BeginLive();
     Describe();
     if (GetParam().state > 0)
-        Setup(1, "RTP/AVP/TCP;interleaved=2-3");
+        SetupTrack(1, "RTP/AVP/TCP;interleaved=2-3");
     if (GetParam().state > 1)
         Ask(Request("PLAY", Url("/live/one")));
     const bool setup = GetParam().method == std::string("SETUP");
     const std::string answer =
-        setup ? Setup(0, "RTP/AVP/TCP;interleaved=0-1") : Ask(Request(GetParam().method, Url("/live/one")));
+        setup ? SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1") : Ask(Request(GetParam().method, Url("/live/one")));
     EXPECT_EQ(GetParam().status, answer.substr(0, answer.find("\r\n")));
     world.Rounds(3);
     EXPECT_EQ(GetParam().closes, peer.IsClosedNow());
