@@ -44,12 +44,15 @@ public:
     /// Milliseconds that the connection lived.
     unsigned int LifetimeMs(int handle);
     int Reads(int handle);
-    /// "listen 80 0 1", "stop 80" and so on, in order; taken out.
+    /// "initial", "listen 80 0 1", "stop 80", "quit", in order; taken out.
     std::vector<std::string> TakeCalls();
 
+    bool initialSucceeds = true;
     bool listenSucceeds = true;
 
     // The operations.
+    bool Initial();
+    void Quit();
     bool StartListen(unsigned short port, unsigned int address, bool reuse);
     bool StopListen(unsigned short port);
     int Recv(int handle, char* buffer, int length, bool* broken);
