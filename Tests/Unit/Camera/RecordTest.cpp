@@ -11,6 +11,11 @@
 #include <filesystem>
 #include <set>
 
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 using namespace NETNS;
 
 namespace
@@ -294,6 +299,24 @@ TEST_F(Recordings, TheOldestIsRemovedWithItsFile)
     EXPECT_TRUE(m_index.RemoveOldest());
     EXPECT_FALSE(std::filesystem::exists(second.path));
     EXPECT_FALSE(m_index.RemoveOldest());
+}
+
+// A disk that is full or has become read-only.
+TEST_F(Recordings, WhatCannotBeRemovedFromTheIndexIsNotTriedForEver)
+{
+    Record(0, 4);
+    sqlite3* other = nullptr;
+    ASSERT_EQ(SQLITE_OK, sqlite3_open(m_directory.Path("index.db").c_str(), &other));
+    EXPECT_EQ(SQLITE_OK, sqlite3_exec(other,
+                                      "CREATE TRIGGER keep BEFORE DELETE ON segment"
+                                      " BEGIN SELECT RAISE(ABORT, 'full'); END",
+                                      nullptr, nullptr, nullptr));
+    sqlite3_close(other);
+    EXPECT_FALSE(m_index.RemoveOldest());
+    CRecorder recorder(m_index, 1); // would have to make room
+    recorder.PutVideo(0, std::vector<unsigned char>(2000), true, SteadyClockUs());
+    recorder.Finish();
+    EXPECT_GT(m_index.TotalBytes(), 2000U);
 }
 
 TEST_F(Recordings, TheRecorderBeginsWithAKeyFrameOfTheMainStream)
