@@ -296,6 +296,7 @@ CCamera::Outcome CCamera::Serve()
         WatchMedia();
         WatchPictures();
         m_feed.RepeatSnapshot();
+        m_playbacks.Sweep();
         WatchClients();
         RepeatKeyFrames();
     }

@@ -480,6 +480,29 @@ TEST_F(Recordings, APlaybackThatIsClosedFeedsNothingMore)
     EXPECT_EQ(count, fed.Frames().size());
 }
 
+// It is closed on the thread that serves all RTSP clients.
+TEST_F(Recordings, ClosingAPlaybackDoesNotWaitForADiskThatHangs)
+{
+    const RecordSegment segment = Record(0, 4);
+    std::filesystem::remove(segment.path);
+    ASSERT_EQ(0, mkfifo(segment.path.c_str(), 0600)); // opening it waits for a writer
+    CFedFrames fed;
+    CPlaybacks playbacks(m_index, fed.Feed());
+    for (int count = 0; count < 16; ++count)
+    {
+        const unsigned int handle = playbacks.Open(BASE, 60);
+        EXPECT_NE(0U, handle);
+        playbacks.Close(handle);
+    }
+    EXPECT_EQ(0U, playbacks.Open(BASE, 60)); // threads do not pile up
+    const int disk = open(segment.path.c_str(), O_RDWR | O_NONBLOCK);
+    const std::string noise(65536, 'x'); // a buffer full for each thread
+    EXPECT_EQ(static_cast<ssize_t>(noise.size()), write(disk, noise.data(), noise.size()));
+    playbacks.CloseAll();
+    close(disk);
+    EXPECT_TRUE(fed.Frames().empty());
+}
+
 TEST_F(Recordings, SixteenPlayAtOnceAndTheOldestEndsForOneMore)
 {
     Record(0, 4);
