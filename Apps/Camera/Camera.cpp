@@ -212,7 +212,7 @@ void CCamera::SettingsChanged(SettingsTopic topic, const DeviceSettings& setting
         break;
     }
     {
-        const std::lock_guard<std::mutex> guard(m_mediaLock);
+        const std::lock_guard<std::mutex> life(m_mediaLife);
         if (m_media != nullptr)
         {
             m_media->Apply(topic, settings);
