@@ -46,6 +46,13 @@ int FakeSocketService::ConnectHeld(std::vector<Arrival> arrivals)
     return handle;
 }
 
+void FakeSocketService::Release(int handle)
+{
+    std::lock_guard<std::mutex> lock(m_lock);
+    m_connections[handle].held = false;
+    m_changed.notify_all();
+}
+
 void FakeSocketService::Release()
 {
     std::lock_guard<std::mutex> lock(m_lock);

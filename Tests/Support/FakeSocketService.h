@@ -33,7 +33,8 @@ public:
     int Connect(std::vector<Arrival> arrivals);
     /// Reads of the connection wait until Release.
     int ConnectHeld(std::vector<Arrival> arrivals);
-    void Release();
+    void Release(int handle);
+    void Release(); ///< all of them
     /// Results of the next sends; those behind the last take everything. @param broken  the last one sets the flag
     void ScriptSends(int handle, std::deque<int> results, bool broken = false);
 
