@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -285,6 +286,34 @@ TEST_F(NetServerDataProc, MarkedRequestIsHandedToTheHostWhole)
     EXPECT_EQ(Ok("text/xml", "by the host"), Ask(message));
     EXPECT_EQ(message, m_device.lastHttpMessage);
     EXPECT_EQ(0, m_device.BuffersOut());
+}
+
+/// Notes whether what it is to fill in is empty.
+class CLookingDevice : public CFakeDevice
+{
+public:
+    NETNS::DEV_RET ProcHttpData(const char* message, int len, char*& body, int& bodyLen, int& status) override
+    {
+        isEmpty = body == nullptr && bodyLen == 0 && status == 0;
+        return CFakeDevice::ProcHttpData(message, len, body, bodyLen, status);
+    }
+    NETNS::DEV_RET GetWebFile(const char* path, char*& buffer, int& len) override
+    {
+        isEmpty = buffer == nullptr && len == 0;
+        return CFakeDevice::GetWebFile(path, buffer, len);
+    }
+
+    bool isEmpty = false;
+};
+
+TEST_F(NetServerDataProc, HostGetsEmptyOutputsToFill)
+{
+    CLookingDevice device;
+    m_proc.Initial(2, 0, 0, &device, "", "", 1);
+    Get("/ORBIT-700");
+    EXPECT_TRUE(std::exchange(device.isEmpty, false));
+    Get("/missing.txt");
+    EXPECT_TRUE(device.isEmpty);
 }
 
 TEST_F(NetServerDataProc, MarkerMayStandAnywhereInTheMessage)
