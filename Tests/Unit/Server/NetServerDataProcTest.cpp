@@ -350,6 +350,18 @@ TEST_F(NetServerDataProc, WithTheApiSwitchedOffOnlyFilesAndMarkedRequestsAreServ
     EXPECT_EQ(Ok("text/xml", "host"), Ask("GET /GetDeviceInfo HTTP/1.1\r\nX: ORBIT-700\r\n\r\n"));
 }
 
+TEST_F(NetServerDataProc, AlarmsAreCountedAlsoWithTheApiSwitchedOff)
+{
+    for (const unsigned int flags : {0u, 1u})
+    {
+        const unsigned int alarmOuts = 3 + flags;
+        const unsigned int sensors = 5 + flags;
+        EXPECT_EQ(1, m_proc.Initial(2, alarmOuts, sensors, &m_device, "", "", flags));
+        EXPECT_EQ(alarmOuts, CAlarmServer::Instance().GetAlarmOutNum());
+        EXPECT_EQ(sensors, CAlarmServer::Instance().GetSensorNum());
+    }
+}
+
 TEST_F(NetServerDataProc, VersionTextIsStampedIntoFiles)
 {
     Initial("v0.0", "v2.7", 1);
