@@ -10,14 +10,14 @@
 namespace NETNS
 {
 
-/// Result of nearly every host operation. Any value not listed counts like DEV_RET_NOT_SUPPORT.
+/// Result of nearly every host operation. Any value not listed counts like DEV_RET_NOT_SUPPORTED.
 enum DEV_RET : std::uint32_t
 {
-    DEV_RET_OK = 0,          ///< done
-    DEV_RET_FAILED = 1,      ///< the device failed to do it
-    DEV_RET_NO_RIGHT = 2,    ///< unknown user, wrong password or missing right: the client gets a 401
-    DEV_RET_BAD_PARAM = 3,   ///< a value in the request is not acceptable
-    DEV_RET_NOT_SUPPORT = 4, ///< the device has no such function
+    DEV_RET_OK = 0,            ///< done
+    DEV_RET_FAILED = 1,        ///< the device failed to do it
+    DEV_RET_NO_RIGHT = 2,      ///< unknown user, wrong password or missing right: the client gets a 401
+    DEV_RET_BAD_PARAM = 3,     ///< a value in the request is not acceptable
+    DEV_RET_NOT_SUPPORTED = 4, ///< the device has no such function
 };
 
 /// Kind of device, for the network announcement. 0 is the value in use.

@@ -212,7 +212,7 @@ void CCamera::SettingsChanged(SettingsTopic topic, const DeviceSettings& setting
         break;
     }
     {
-        const std::lock_guard<std::mutex> guard(m_mediaLock);
+        const std::lock_guard<std::mutex> life(m_mediaLife);
         if (m_media != nullptr)
         {
             m_media->Apply(topic, settings);
@@ -296,6 +296,7 @@ CCamera::Outcome CCamera::Serve()
         WatchMedia();
         WatchPictures();
         m_feed.RepeatSnapshot();
+        m_playbacks.Sweep();
         WatchClients();
         RepeatKeyFrames();
     }
@@ -306,8 +307,10 @@ CCamera::Outcome CCamera::Serve()
 /// have got holds its code. A tick or more after the answer to the client was made.
 void CCamera::ActOnServices()
 {
+    // In this order: a change of the sound that comes in between is seen here, or in the next tick.
+    const bool soundChanges = m_rtspRestartWanted.exchange(false);
     const DeviceSettings settings = m_device->Settings();
-    const bool rtspChanges = m_rtspRestartWanted.exchange(false) || settings.ports.rtspPort != m_ports.rtspPort;
+    const bool rtspChanges = soundChanges || settings.ports.rtspPort != m_ports.rtspPort;
     if (rtspChanges)
     {
         StopRtsp(); // in front of HTTP, which may get this port

@@ -146,16 +146,16 @@ bool CCamera::StartMedia(std::string& problem)
         OnPicture(moving);
     };
     auto media = std::make_unique<CMediaPipeline>(m_options, std::move(parts));
-    const bool started = media->Start(m_device->Settings(), problem);
+    if (!media->Start(m_device->Settings(), problem))
     {
-        const std::lock_guard<std::mutex> guard(m_mediaLock);
+        return false;
+    }
+    {
+        const std::scoped_lock guard(m_mediaLife, m_mediaLock);
         m_media = std::move(media);
     }
-    if (started)
-    {
-        m_device->RepeatPictureEffects();
-    }
-    return started;
+    m_device->RepeatPictureEffects();
+    return true;
 }
 
 bool CCamera::IsMediaRunning(std::string& problem)
@@ -168,7 +168,7 @@ void CCamera::StopMedia()
 {
     std::unique_ptr<CMediaPipeline> ending;
     {
-        const std::lock_guard<std::mutex> guard(m_mediaLock);
+        const std::scoped_lock guard(m_mediaLife, m_mediaLock);
         ending = std::move(m_media);
     }
 }

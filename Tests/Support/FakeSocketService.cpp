@@ -46,6 +46,13 @@ int FakeSocketService::ConnectHeld(std::vector<Arrival> arrivals)
     return handle;
 }
 
+void FakeSocketService::Release(int handle)
+{
+    std::lock_guard<std::mutex> lock(m_lock);
+    m_connections[handle].held = false;
+    m_changed.notify_all();
+}
+
 void FakeSocketService::Release()
 {
     std::lock_guard<std::mutex> lock(m_lock);
@@ -103,6 +110,19 @@ std::vector<std::string> FakeSocketService::TakeCalls()
 {
     std::lock_guard<std::mutex> lock(m_lock);
     return std::exchange(m_calls, {});
+}
+
+bool FakeSocketService::Initial()
+{
+    std::lock_guard<std::mutex> lock(m_lock);
+    m_calls.push_back("initial");
+    return initialSucceeds;
+}
+
+void FakeSocketService::Quit()
+{
+    std::lock_guard<std::mutex> lock(m_lock);
+    m_calls.push_back("quit");
 }
 
 bool FakeSocketService::StartListen(unsigned short port, unsigned int address, bool reuse)
@@ -189,10 +209,13 @@ void FakeSocketService::Destroy(int handle)
 
 bool NET_SOCKET_Initial(const char*)
 {
-    return true;
+    return current->Initial();
 }
 
-void NET_SOCKET_Quit() {}
+void NET_SOCKET_Quit()
+{
+    current->Quit();
+}
 
 bool NET_SOCKET_StartListen(unsigned short port, CListenSocketObserver*, unsigned int localAddress, bool reuseAddress)
 {

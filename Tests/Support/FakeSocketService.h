@@ -33,7 +33,8 @@ public:
     int Connect(std::vector<Arrival> arrivals);
     /// Reads of the connection wait until Release.
     int ConnectHeld(std::vector<Arrival> arrivals);
-    void Release();
+    void Release(int handle);
+    void Release(); ///< all of them
     /// Results of the next sends; those behind the last take everything. @param broken  the last one sets the flag
     void ScriptSends(int handle, std::deque<int> results, bool broken = false);
 
@@ -44,12 +45,15 @@ public:
     /// Milliseconds that the connection lived.
     unsigned int LifetimeMs(int handle);
     int Reads(int handle);
-    /// "listen 80 0 1", "stop 80" and so on, in order; taken out.
+    /// "initial", "listen 80 0 1", "stop 80", "quit", in order; taken out.
     std::vector<std::string> TakeCalls();
 
+    bool initialSucceeds = true;
     bool listenSucceeds = true;
 
     // The operations.
+    bool Initial();
+    void Quit();
     bool StartListen(unsigned short port, unsigned int address, bool reuse);
     bool StopListen(unsigned short port);
     int Recv(int handle, char* buffer, int length, bool* broken);

@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -287,6 +288,34 @@ TEST_F(NetServerDataProc, MarkedRequestIsHandedToTheHostWhole)
     EXPECT_EQ(0, m_device.BuffersOut());
 }
 
+/// Notes whether what it is to fill in is empty.
+class CLookingDevice : public CFakeDevice
+{
+public:
+    NETNS::DEV_RET ProcHttpData(const char* message, int len, char*& body, int& bodyLen, int& status) override
+    {
+        isEmpty = body == nullptr && bodyLen == 0 && status == 0;
+        return CFakeDevice::ProcHttpData(message, len, body, bodyLen, status);
+    }
+    NETNS::DEV_RET GetWebFile(const char* path, char*& buffer, int& len) override
+    {
+        isEmpty = buffer == nullptr && len == 0;
+        return CFakeDevice::GetWebFile(path, buffer, len);
+    }
+
+    bool isEmpty = false;
+};
+
+TEST_F(NetServerDataProc, HostGetsEmptyOutputsToFill)
+{
+    CLookingDevice device;
+    m_proc.Initial(2, 0, 0, &device, "", "", 1);
+    Get("/ORBIT-700");
+    EXPECT_TRUE(std::exchange(device.isEmpty, false));
+    Get("/missing.txt");
+    EXPECT_TRUE(device.isEmpty);
+}
+
 TEST_F(NetServerDataProc, MarkerMayStandAnywhereInTheMessage)
 {
     m_device.httpAnswer = "x";
@@ -319,6 +348,18 @@ TEST_F(NetServerDataProc, WithTheApiSwitchedOffOnlyFilesAndMarkedRequestsAreServ
     EXPECT_EQ(Ok("text/xml", "host"), Get("/ORBIT-700"));
     // A marked command is the host's too, since it is no command any more.
     EXPECT_EQ(Ok("text/xml", "host"), Ask("GET /GetDeviceInfo HTTP/1.1\r\nX: ORBIT-700\r\n\r\n"));
+}
+
+TEST_F(NetServerDataProc, AlarmsAreCountedAlsoWithTheApiSwitchedOff)
+{
+    for (const unsigned int flags : {0u, 1u})
+    {
+        const unsigned int alarmOuts = 3 + flags;
+        const unsigned int sensors = 5 + flags;
+        EXPECT_EQ(1, m_proc.Initial(2, alarmOuts, sensors, &m_device, "", "", flags));
+        EXPECT_EQ(alarmOuts, CAlarmServer::Instance().GetAlarmOutNum());
+        EXPECT_EQ(sensors, CAlarmServer::Instance().GetSensorNum());
+    }
 }
 
 TEST_F(NetServerDataProc, VersionTextIsStampedIntoFiles)
