@@ -625,18 +625,24 @@ TEST(QLXXMLParse, DocumentKeepsItsLayout)
 TEST(QLXXMLParseDeathTest, WritesToWhatIsNotThereEndTheProcess)
 {
     CQLXXMLParse document(std::string("<r/>"));
-    const char* const MESSAGE = "pXMLElement != nullptr";
+    const char* const MESSAGE = "Assertion .pXMLElement != 0. failed";
     EXPECT_DEATH(document.SetValue("x", "1", false), MESSAGE);
     EXPECT_DEATH(document.SetValue(0, 1u), MESSAGE);
-    EXPECT_DEATH(document.SetValue(0, "x", 1u), "ElementOf\\(item\\) != nullptr");
+    EXPECT_DEATH(document.SetValue(0, "x", 1u), MESSAGE);
     EXPECT_DEATH(document.SetAttribute("x", "a", 1u), MESSAGE);
     EXPECT_DEATH(document.SetAttribute(0, "a", 1u), MESSAGE);
     EXPECT_DEATH(document.AddElement(0, "x", "", false), MESSAGE);
     EXPECT_DEATH(document.DeleteValue("x"), MESSAGE);
     EXPECT_DEATH(document.DeleteValue(0), MESSAGE);
     EXPECT_DEATH(document.DeleteChildrenValue("x"), MESSAGE);
+    EXPECT_DEATH(document.DeleteChildrenValue(0), MESSAGE);
     EXPECT_DEATH(document.DeleteAttribute("x", "a"), MESSAGE);
+    EXPECT_DEATH(document.DeleteAttribute(0, "a"), MESSAGE);
     EXPECT_DEATH(document.CloneValue("x", "<a/>"), MESSAGE);
+    EXPECT_DEATH(document.CloneValue(0, "<a/>"), MESSAGE);
+    std::map<std::string, std::string> attributes;
+    EXPECT_DEATH(document.GetAttributes("x", attributes), MESSAGE);
+    EXPECT_DEATH(document.GetAttributes(0, attributes), MESSAGE);
 }
 
 TEST(QLXXMLParseDeathTest, EmptyArgumentsEndTheProcess)

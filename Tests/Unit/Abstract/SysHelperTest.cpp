@@ -54,7 +54,7 @@ TEST(SysHelper, ReadGuidTellsWhatIsNone)
 
 TEST(SysHelperDeathTest, MistakesEndTheProcess)
 {
-    EXPECT_DEATH(CSysHelper::GuidToString(GUID, nullptr), "text != nullptr");
+    EXPECT_DEATH(CSysHelper::GuidToString(GUID, nullptr), "Assertion .pGUIDStr != __null. failed");
     EXPECT_DEATH(CSysHelper::GetGuidFromString("no guid"), "isGuid");
     unsigned long long value = 0;
     EXPECT_DEATH(CSysHelper::stringToUll("012", value), "text");

@@ -46,7 +46,7 @@ TEST_F(QlxApiImageCommands, ChannelComesFromTheUrl)
 TEST_F(QlxApiImageCommands, DefaultOfWideDynamicRangeHasNoPlace)
 {
     m_device.imageCaps.wdrSwitchDefault = 1;
-    EXPECT_DEATH(Ask("GetImageConfig"), "pXMLElement != ");
+    EXPECT_DEATH(Ask("GetImageConfig"), "Assertion .pXMLElement != 0. failed");
 }
 
 TEST_F(QlxApiImageCommands, EveryWordOfTheModes)

@@ -56,11 +56,11 @@ void CSysHelper::CreateGUID(_GUID& guid)
     CPFHelper::CreateGUID(guid);
 }
 
-bool CSysHelper::GuidToString(const _GUID& guid, char* text)
+bool CSysHelper::GuidToString(const _GUID& guid, char* pGUIDStr)
 {
-    PF_ASSERT(text != nullptr);
-    std::snprintf(text, 39, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", guid.Data1, guid.Data2, guid.Data3,
-                  guid.Data4[0], guid.Data4[1], guid.Data4[2], guid.Data4[3], guid.Data4[4], guid.Data4[5],
+    PF_ASSERT_TEXT(pGUIDStr != nullptr, "pGUIDStr != __null");
+    std::snprintf(pGUIDStr, 39, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", guid.Data1, guid.Data2,
+                  guid.Data3, guid.Data4[0], guid.Data4[1], guid.Data4[2], guid.Data4[3], guid.Data4[4], guid.Data4[5],
                   guid.Data4[6], guid.Data4[7]);
     return true;
 }

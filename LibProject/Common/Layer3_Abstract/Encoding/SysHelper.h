@@ -12,8 +12,8 @@ public:
     static int GetCPUCount();
     static void CreateGUID(_GUID& guid);
 
-    /// Writes "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}". @param text  not null, room for 39 bytes. @return true
-    static bool GuidToString(const _GUID& guid, char* text);
+    /// Writes "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}". @param pGUIDStr  not null, room for 39 bytes. @return true
+    static bool GuidToString(const _GUID& guid, char* pGUIDStr);
     /// @param text  a GUID as GuidToString writes it; anything else ends the process
     static _GUID GetGuidFromString(const char* text);
     /// The same for text that nobody vouches for. @return false, with `guid` left alone, when it is no GUID

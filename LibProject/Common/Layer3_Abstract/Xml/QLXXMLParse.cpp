@@ -318,7 +318,7 @@ unsigned int CQLXXMLParse::AddElement(const std::string& path, const std::string
 unsigned int CQLXXMLParse::AddElement(unsigned int item, const std::string& path, const std::string& value, bool cdata)
 {
     XMLElement* const pXMLElement = ElementOf(item);
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     return ItemOf(NewElement(path, value, pXMLElement, cdata));
 }
 
@@ -344,7 +344,7 @@ bool CQLXXMLParse::SetText(XMLNode* node, const char* text, bool cdata)
 
 bool CQLXXMLParse::RemoveElement(XMLElement* pXMLElement)
 {
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     ForgetItems(pXMLElement);
     m_XMLDocument.DeleteNode(pXMLElement);
     return true;
@@ -352,7 +352,7 @@ bool CQLXXMLParse::RemoveElement(XMLElement* pXMLElement)
 
 bool CQLXXMLParse::RemoveChildren(XMLElement* pXMLElement)
 {
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     for (XMLNode* child = pXMLElement->FirstChild(); child != nullptr; child = child->NextSibling())
     {
         ForgetItems(child);
@@ -403,7 +403,7 @@ bool CQLXXMLParse::GetChildrenXMLData(unsigned int item, std::string& xml) const
 
 bool CQLXXMLParse::Clone(XMLElement* pXMLElement, const std::string& xml)
 {
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     CQLXXMLParse other;
     if (!other.Parse(xml.data(), xml.size()))
     {
