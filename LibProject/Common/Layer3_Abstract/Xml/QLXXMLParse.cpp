@@ -2,9 +2,8 @@
 // QLXXMLParseValues.cpp.
 #include "QLXXMLParse.h"
 
-#include "Limits.h"
 #include "PFAssert.h"
-#include "XmlNesting.h"
+#include "XmlBounds.h"
 
 #include <cstdint>
 #include <cstring>
@@ -106,7 +105,7 @@ bool CQLXXMLParse::Parse(const char* xml, size_t length)
 {
     ForgetItems();
     m_XMLDocument.Clear();
-    if (xml == nullptr || length == 0 || XmlNestsDeeperThan(std::string_view(xml, length), LIMIT_XML_NESTING))
+    if (xml == nullptr || length == 0 || !XmlIsWithin(XML_DOCUMENT_BOUNDS, std::string_view(xml, length)))
     {
         return false;
     }
