@@ -48,5 +48,7 @@ public:
 
     /// Year, month, day and hour of the build in 16, 6, 5 and 5 bits from the top.
     static unsigned int GetBuildDate();
+    /// The same for any build. @param date  as __DATE__ has it: "Jan  2 2026" @param time  as __TIME__: "03:04:05"
+    static unsigned int BuildDateOf(const char* date, const char* time);
     static void ParseBuildDate(unsigned int date, int& year, int& month, int& day, int& hour);
 };
