@@ -4,6 +4,10 @@
 #include "ShareSDK.h"
 #include "TempDirectory.h"
 
+#include <fstream>
+#include <iterator>
+#include <string>
+
 #include <dirent.h>
 #include <sys/prctl.h>
 
@@ -108,6 +112,19 @@ TEST_F(MulticastService, InterfaceThatCannotSendDelaysNoOther)
     const auto datagrams = wire.Await(1);
     ASSERT_EQ(1u, datagrams.size());
     EXPECT_EQ("abc", datagrams[0].payload);
+}
+
+TEST_F(MulticastService, SendingSocketsJoinTheGroup)
+{
+    CPlainService service;
+    const auto groups = []
+    {
+        std::ifstream table("/proc/self/net/igmp");
+        return std::string(std::istreambuf_iterator<char>(table), std::istreambuf_iterator<char>());
+    };
+    EXPECT_THAT(groups(), testing::Not(testing::HasSubstr("FAFFFFEF"))); // 239.255.255.250
+    service.Initial("239.255.255.250", 1900);
+    EXPECT_THAT(groups(), testing::HasSubstr("FAFFFFEF"));
 }
 
 TEST_F(MulticastService, SecondInitialOpensNoMoreSockets)
