@@ -5,6 +5,8 @@
 #include "HostRecords.h"
 #include "QlxApiWorld.h"
 
+#include <map>
+
 namespace
 {
 
@@ -38,11 +40,109 @@ const struct
     {"SearchByTime", "<config/>"},
 };
 
+/// Notes the room that each operation with a list or a text is told, by its name.
+class CRoomDevice : public CFakeDevice
+{
+public:
+    std::map<std::string, int> rooms;
+
+    NETNS::DEV_RET GetUserList(NETNS::DEV_USER_INFO* list, int max, int& count) override
+    {
+        rooms["GetUserList"] = max;
+        return CFakeDevice::GetUserList(list, max, count);
+    }
+    NETNS::DEV_RET GetProfileName(const char* verify, unsigned int chn, int profile, char* name, int size,
+                                  int& len) override
+    {
+        rooms["GetProfileName"] = size;
+        return CFakeDevice::GetProfileName(verify, chn, profile, name, size, len);
+    }
+    NETNS::DEV_RET GetPrivacyMask(const char* verify, unsigned int chn, NETNS::DEV_PRIVACY_MASK* list, int max,
+                                  int& count) override
+    {
+        rooms["GetPrivacyMask"] = max;
+        return CFakeDevice::GetPrivacyMask(verify, chn, list, max, count);
+    }
+    NETNS::DEV_RET PtzGetPresets(const char* verify, unsigned int chn, NETNS::DEV_PTZ_PRESET* list, int max,
+                                 int& count) override
+    {
+        rooms["PtzGetPresets"] = max;
+        return CFakeDevice::PtzGetPresets(verify, chn, list, max, count);
+    }
+    NETNS::DEV_RET PtzGetCruises(const char* verify, unsigned int chn, NETNS::DEV_PTZ_CRUISE* list, int max,
+                                 int& count) override
+    {
+        rooms["PtzGetCruises"] = max;
+        return CFakeDevice::PtzGetCruises(verify, chn, list, max, count);
+    }
+    NETNS::DEV_RET PtzGetCruisePoints(const char* verify, unsigned int chn, int index,
+                                      NETNS::DEV_PTZ_CRUISE_POINT* list, int max, int& count) override
+    {
+        rooms["PtzGetCruisePoints"] = max;
+        return CFakeDevice::PtzGetCruisePoints(verify, chn, index, list, max, count);
+    }
+    NETNS::DEV_RET GetChannelIdList(const char* verify, unsigned int* ids, int max, int& count) override
+    {
+        rooms["GetChannelIdList"] = max;
+        return CFakeDevice::GetChannelIdList(verify, ids, max, count);
+    }
+    NETNS::DEV_RET SearchRecordDate(const char* verify, NETNS::DEV_DATE* list, int max, int& count) override
+    {
+        rooms["SearchRecordDate"] = max;
+        return CFakeDevice::SearchRecordDate(verify, list, max, count);
+    }
+    NETNS::DEV_RET SearchRecord(const char* verify, const NETNS::DEV_DATETIME* start, const NETNS::DEV_DATETIME* end,
+                                int channel, NETNS::DEV_RECORD_INFO* list, int max, int& count) override
+    {
+        rooms["SearchRecord"] = max;
+        return CFakeDevice::SearchRecord(verify, start, end, channel, list, max, count);
+    }
+};
+
+struct RoomCase
+{
+    const char* url;
+    const char* body;
+    const char* operation;
+    int room;
+};
+
+const RoomCase ROOM_CASES[] = {
+    {"GetAlarmStatus", "", "GetUserList", 16},
+    {"ModifyPassword", "<config/>", "GetUserList", 16},
+    {"GetStreamCaps", "", "GetProfileName", 128},
+    {"GetVideoStreamConfig", "", "GetProfileName", 128},
+    {"GetPrivacyMaskConfig", "", "GetPrivacyMask", 8},
+    {"PtzGetPresets", "", "PtzGetPresets", 256},
+    {"PtzGetCruises", "", "PtzGetCruises", 12},
+    {"PtzGetCruise", "<cruiseInfo><id>1</id></cruiseInfo>", "PtzGetCruises", 12},
+    {"PtzGetCruise", "<cruiseInfo><id>1</id></cruiseInfo>", "PtzGetCruisePoints", 256},
+    {"GetChannelList", "", "GetChannelIdList", 128},
+    {"SearchRecordDate", "", "SearchRecordDate", 256},
+    {"SearchByTime", "<config/>", "SearchRecord", 256},
+};
+
+using QlxApiRooms = QlxApiWorld;
+
 class HostRecords : public QlxApiWorld, public testing::WithParamInterface<int>
 {
 };
 
 } // namespace
+
+TEST_F(QlxApiRooms, AreWhatTheHostIsTold)
+{
+    CRoomDevice device;
+    device.integratedPtz = true;
+    device.rs485Ptz = true;
+    CQLXApiProc::Instance().Init(1, &device);
+    for (const RoomCase& row : ROOM_CASES)
+    {
+        device.rooms.clear();
+        Ask(row.url, row.body);
+        EXPECT_EQ(row.room, device.rooms[row.operation]) << row.url;
+    }
+}
 
 TEST_P(HostRecords, OfAnyBytesAreShownWhole)
 {

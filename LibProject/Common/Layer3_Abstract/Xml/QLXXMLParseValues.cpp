@@ -101,11 +101,11 @@ bool ReadAttributeGuid(const XMLElement* element, const std::string& name, _GUID
     return ConvertGuid(text, value) && text != nullptr;
 }
 
-bool ReadAttributes(const XMLElement* element, std::map<std::string, std::string>& attributes)
+bool ReadAttributes(const XMLElement* pXMLElement, std::map<std::string, std::string>& attributes)
 {
-    PF_ASSERT(element != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     attributes.clear();
-    for (const tinyxml2::XMLAttribute* one = element->FirstAttribute(); one != nullptr; one = one->Next())
+    for (const tinyxml2::XMLAttribute* one = pXMLElement->FirstAttribute(); one != nullptr; one = one->Next())
     {
         attributes[one->Name()] = one->Value();
     }
@@ -116,27 +116,28 @@ bool ReadAttributes(const XMLElement* element, std::map<std::string, std::string
 
 bool CQLXXMLParse::WriteText(XMLElement* pXMLElement, const std::string& value, bool cdata)
 {
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     return SetText(pXMLElement, value.c_str(), cdata);
 }
 
 bool CQLXXMLParse::WriteBelow(unsigned int item, const std::string& path, const std::string& value, bool cdata)
 {
-    PF_ASSERT(ElementOf(item) != nullptr);
-    XMLElement* const element = Below(item, path);
-    return element != nullptr && SetText(element, value.c_str(), cdata);
+    const XMLElement* const pXMLElement = ElementOf(item);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
+    XMLElement* const found = FindElement(path, pXMLElement);
+    return found != nullptr && SetText(found, value.c_str(), cdata);
 }
 
 bool CQLXXMLParse::WriteAttribute(XMLElement* pXMLElement, const std::string& name, const std::string& value)
 {
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     pXMLElement->SetAttribute(name.c_str(), value.c_str());
     return true;
 }
 
 bool CQLXXMLParse::RemoveAttribute(XMLElement* pXMLElement, const std::string& name)
 {
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     pXMLElement->DeleteAttribute(name.c_str());
     return true;
 }

@@ -23,6 +23,12 @@ public:
     bool IsAutomatic() const { return m_isAutomatic; }
     int Interval() const { return m_interval; }
     int Searches() const { return m_searches; }
+    int Counter() const { return m_counter; }
+    void Count()
+    {
+        m_searches.Increment();
+        ++m_counter;
+    }
 
 private:
     void Op1() override { called += '1'; }
@@ -58,6 +64,17 @@ TEST(DevSearchBase, ManualSearchDoesNothingWhileTheAutomaticOneIsOn)
     EXPECT_FALSE(search.IsAutomatic());
     search.Search_Manual();
     EXPECT_EQ("88", search.called);
+}
+
+TEST(DevSearchBase, AutomaticSearchBeginsToCountAnew)
+{
+    CNotingSearch search;
+    search.Initial(OnResult, nullptr);
+    EXPECT_EQ(0, search.Counter());
+    search.Count();
+    search.Search_StartAuto(30);
+    EXPECT_EQ(0, search.Counter());
+    EXPECT_EQ(0, search.Searches());
 }
 
 TEST(DevSearchBase, QuitEndsAnAutomaticSearchFirst)
