@@ -38,7 +38,7 @@ int Guarded(CRTSP_SockHandler* handler, Callback callback)
     catch (const std::exception& failure)
     {
         SHARESDK_AbnormalOutput(failure.what(), __FILE__, __LINE__);
-        handler->Destroy();
+        handler->Fail();
         return HANDLER_GONE;
     }
 }

@@ -353,6 +353,24 @@ protected:
         close(client.far);
         return ended;
     }
+    /// The shared link of its kind, with one more user.
+    CRTSP_SockHandler* Share(bool ofReports, CRTSP_ClientSession* session)
+    {
+        const unsigned int ip = htonl(INADDR_LOOPBACK);
+        sockets.push_back(world.server->Create_A_Valid_Sock(1, "127.0.0.1", 0));
+        if (ofReports)
+            return CRTSP_RTCPLink_UDP_Multicast::Create_RTSP_RTCPLink_UDP_Multicast(
+                {session, ip, 9, 0, 1, world.scheduler, sockets.back(), 0});
+        return CRTSP_RTPLink_UDP_Multicast::Create_RTSP_RTPLink_UDP_Multicast(
+            {session, ip, 9, {}, 1, 1, world.scheduler, sockets.back()});
+    }
+    /// The sockets of all users but the first have nothing on them.
+    void CloseUnused()
+    {
+        for (std::size_t i = 1; i < sockets.size(); ++i)
+            close(sockets[i]);
+        sockets.clear();
+    }
     static std::string SessionLine(const Client& client)
     {
         return "rtsp session time out, sock = " + std::to_string(client.sock) + "\n";
@@ -386,30 +404,69 @@ TEST_F(RtspLinkTimeOut, OfAUnicastLinkEndsItsSession)
     }
 }
 
+TEST_F(RtspLinkTimeOut, AUnicastLinkWithoutMemoryEndsItsSession)
+{
+    const RTSP_STREAM_CFG config;
+    for (const bool ofReports : {false, true})
+    {
+        const Client client = MakeClient();
+        CRTSP_RTCPLink* rtcp = nullptr;
+        CRTSP_RTPLink* rtp = nullptr;
+        ASSERT_EQ(0,
+                  world.server->Create_RTP_RTCP_Link_UDP(client.session, 1, &rtcp, &rtp, "127.0.0.1", 9, 9, &config));
+        if (ofReports)
+            rtcp->Fail();
+        else
+            rtp->Fail();
+        EXPECT_TRUE(IsEnded(client));
+        rtcp->Destroy(); // the session had no track with them
+        rtp->Destroy();
+    }
+}
+
 // The first user may hold the last reference to the link, so it goes last.
 TEST_F(RtspLinkTimeOut, OfASharedLinkEndsItsUsersTheFirstLast)
 {
-    const Client clients[] = {MakeClient(), MakeClient(), MakeClient()};
-    CRTSP_RTPLink* rtp = nullptr;
-    for (const Client& client : clients)
+    for (const bool ofReports : {false, true})
     {
-        sockets.push_back(world.server->Create_A_Valid_Sock(1, "127.0.0.1", 0));
-        rtp = CRTSP_RTPLink_UDP_Multicast::Create_RTSP_RTPLink_UDP_Multicast(
-            {client.session, htonl(INADDR_LOOPBACK), 9, {}, 1, 1, world.scheduler, sockets.back()});
+        const Client clients[] = {MakeClient(), MakeClient(), MakeClient()};
+        CRTSP_SockHandler* link = nullptr;
+        for (const Client& client : clients)
+            link = Share(ofReports, client.session);
+        ::testing::internal::CaptureStderr();
+        link->HandleTimeOut(SOCK_HANDLER_SEND);
+        EXPECT_EQ((ofReports ? "Multicast RTCP Time Out " : "Multicast RTP Time Out ") + SessionLine(clients[1]) +
+                      SessionLine(clients[2]) + SessionLine(clients[0]),
+                  ::testing::internal::GetCapturedStderr());
+        for (const Client& client : clients)
+            EXPECT_TRUE(IsEnded(client));
+        ::testing::internal::CaptureStderr();
+        for (int i = 0; i < 3; ++i)
+            link->Destroy();
+        const std::string sock = std::to_string(sockets[0]) + "\n";
+        EXPECT_EQ(ofReports ? "m_NURTCPMulticast = 2\nm_NURTCPMulticast = 1\nMulticast RTcP sock " + sock
+                            : "m_NURTPMulticast = 2\nm_NURTPMulticast = 1\nMulticast RTP sock " + sock,
+                  ::testing::internal::GetCapturedStderr());
+        CloseUnused();
     }
-    ::testing::internal::CaptureStderr();
-    rtp->HandleTimeOut(SOCK_HANDLER_SEND);
-    EXPECT_EQ("Multicast RTP Time Out " + SessionLine(clients[1]) + SessionLine(clients[2]) + SessionLine(clients[0]),
-              ::testing::internal::GetCapturedStderr());
-    for (const Client& client : clients)
-        EXPECT_TRUE(IsEnded(client));
-    ::testing::internal::CaptureStderr();
-    for (int i = 0; i < 3; ++i)
-        rtp->Destroy();
-    EXPECT_EQ("m_NURTPMulticast = 2\nm_NURTPMulticast = 1\nMulticast RTP sock " + std::to_string(sockets[0]) + "\n",
-              ::testing::internal::GetCapturedStderr());
-    close(sockets[1]);
-    close(sockets[2]);
+}
+
+TEST_F(RtspLinkTimeOut, ASharedLinkWithoutMemoryEndsItsUsers)
+{
+    for (const bool ofReports : {false, true})
+    {
+        const Client clients[] = {MakeClient(), MakeClient()};
+        CRTSP_SockHandler* link = nullptr;
+        for (const Client& client : clients)
+            link = Share(ofReports, client.session);
+        link->Fail();
+        for (const Client& client : clients)
+        {
+            EXPECT_TRUE(IsEnded(client));
+            link->Destroy();
+        }
+        CloseUnused();
+    }
 }
 
 TEST_F(RtspMulticast, AUserThatGoesIsNotTimedOutLater)

@@ -63,12 +63,20 @@ public:
         return 0;
     }
     int HandleWait(unsigned int now) override { return Note("wait " + std::to_string(now), 0); }
+    void Fail() override
+    {
+        onCall = nullptr;
+        Note("fail", 0);
+        if (endsOnFail)
+            CRTSP_SockHandler::Fail();
+    }
     void CloseSocket() override { NC_CloseSocket(m_sock); }
 
     std::function<void()> onCall;
     bool hasData = false;
     bool readAway = true;
     bool destroyOnTimeOut = false;
+    bool endsOnFail = true;
     int sendResult = HANDLER_PROGRESS;
     int recvResult = 0;
     std::string name;
@@ -388,7 +396,26 @@ TEST_F(RTSP_SockScheduler, AHandlerThatRunsOutOfMemoryEndsAlone)
     };
     handler->Write();
     RunOnce();
+    EXPECT_EQ((Log{"recv", "fail"}), log);
     EXPECT_EQ(-1, scheduler.DelSockHandler(sock));
+}
+
+// A link belongs to a session, which would go on using it.
+TEST_F(RTSP_SockScheduler, AHandlerThatRunsOutOfMemoryIsLeftToItsOwner)
+{
+    Handler* handler = Make();
+    scheduler.AddSockHandler(SOCK_HANDLER_RECV, handler->Sock(), handler, -1);
+    handler->endsOnFail = false;
+    handler->onCall = []
+    {
+        throw std::bad_alloc();
+    };
+    handler->Write();
+    RunOnce();
+    EXPECT_EQ((Log{"recv", "fail"}), log);
+    handler->Write();
+    RunOnce();
+    EXPECT_EQ((Log{"recv", "fail", "recv"}), log);
 }
 
 TEST_F(RTSP_SockScheduler, AWaiterIsCalledEveryRoundUntilItIsTakenOut)
