@@ -104,27 +104,53 @@ TEST_F(RtspCommands, DescribeOfAnUnknownUrlCloses)
     EXPECT_TRUE(peer.WaitClosed());
 }
 
-TEST_F(RtspCommands, DescribeOfARecordingOpensItAtTheHost)
+struct PlaybackCase
+{
+    const char* name;
+    const char* url;
+    const char* call; ///< null: not found, nothing is opened
+};
+
+const PlaybackCase PLAYBACK_CASES[] = {
+    {"Whole", "rtsp://h/3?date=2016-1-2&time=8:30:0&timelen=600", "3 2016-1-2 8:30:0 600"},
+    {"SlashAtTheEnd", "rtsp://h/3?date=2016-1-2&time=8:30:0&timelen=600/", "3 2016-1-2 8:30:0 600"},
+    {"TimeInFront", "rtsp://h/3?time=8:30:0&date=2016-1-2&timelen=600", "3 2016-1-2 8:30:0 600"},
+    {"NoChannel", "rtsp://h/x?date=2016-1-2&time=8:30:0&timelen=600", "4294967295 2016-1-2 8:30:0 600"},
+    {"NoPath", "rtsp://h?date=2016-1-2&time=8:30:0&timelen=600", "4294967295 2016-1-2 8:30:0 600"},
+    {"LargestChannel", "rtsp://h/2147483647?date=2016-1-2&time=8:30:0&timelen=1", "2147483647 2016-1-2 8:30:0 1"},
+    {"NegativeChannel", "rtsp://h/-2?date=2016-1-2&time=8:30:0&timelen=1", "4294967294 2016-1-2 8:30:0 1"},
+    {"SlashAtIndexSeven", "rtsp:///7?date=2016-1-2&time=8:30:0&timelen=1", "7 2016-1-2 8:30:0 1"},
+    {"OtherScheme", "abc://x/4/5?date=2016-1-2&time=8:30:0&timelen=1", "4 2016-1-2 8:30:0 1"},
+    {"LengthIsNoNumber", "rtsp://h/3?date=2016-1-2&time=8:30:0&timelen=x", "3 2016-1-2 8:30:0 0"},
+    {"TwoDateFields", "rtsp://h/3?date=2016-1&time=8:30:0&timelen=600", nullptr},
+    {"TwoTimeFields", "rtsp://h/3?date=2016-1-2&time=8:30&timelen=600", nullptr},
+    {"LengthInFrontOfTime", "rtsp://h/3?date=2016-1-2&timelen=600&time=8:30:0", nullptr}, // its name is found first
+    {"NoLength", "rtsp://h/3?date=2016-1-2&time=8:30:0", nullptr},
+    {"NoTime", "rtsp://h/3?date=2016-1-2&timelen=600", nullptr},
+    {"NoDate", "rtsp://h/3?time=8:30:0&timelen=600", nullptr},
+};
+
+class RtspPlayback : public RtspCommands, public ::testing::WithParamInterface<PlaybackCase>
+{
+};
+
+TEST_P(RtspPlayback, IsOpenedAsItsUrlSays)
 {
     world.PushVideo(55, 29, KeyFrame(), true, 1000000);
-    const std::string answer = Ask(Request("DESCRIBE", Url("/3?date=2016-1-2&time=8:30:0&timelen=600")));
+    const std::string answer = Ask(Request("DESCRIBE", GetParam().url));
+    if (GetParam().call == nullptr)
+    {
+        EXPECT_EQ(NotFound("1"), answer);
+        EXPECT_TRUE(peer.WaitClosed());
+        EXPECT_TRUE(world.stream.Calls().empty());
+        return;
+    }
     EXPECT_EQ("RTSP/1.0 200 OK", answer.substr(0, 15));
-    EXPECT_EQ(std::vector<std::string>{"OpenRecStream 3 2016-1-2 8:30:0 600 0"}, world.stream.Calls());
+    EXPECT_EQ(std::vector<std::string>{std::string("OpenRecStream ") + GetParam().call + " 0"}, world.stream.Calls());
 }
 
-TEST_F(RtspCommands, ARecordingWithoutAChannelNumberHasAllOnes)
-{
-    world.PushVideo(55, 29, KeyFrame(), true, 1000000);
-    Ask(Request("DESCRIBE", Url("/x?date=2016-1-2&time=8:30:0&timelen=600")));
-    EXPECT_EQ(std::vector<std::string>{"OpenRecStream 4294967295 2016-1-2 8:30:0 600 0"}, world.stream.Calls());
-}
-
-TEST_F(RtspCommands, ARecordingWithABrokenDateIsNotFound)
-{
-    EXPECT_EQ(NotFound("1"), Ask(Request("DESCRIBE", Url("/3?date=2016-1&time=8:30:0&timelen=600"))));
-    EXPECT_TRUE(peer.WaitClosed());
-    EXPECT_TRUE(world.stream.Calls().empty());
-}
+INSTANTIATE_TEST_SUITE_P(Cases, RtspPlayback, ::testing::ValuesIn(PLAYBACK_CASES),
+                         [](const auto& test) { return test.param.name; });
 
 TEST_F(RtspCommands, TalkIsDescribedWithoutWaiting)
 {
