@@ -1,6 +1,7 @@
 // Tracks over UDP: packets, reports, ports.
 
 #include "ByteOrder.h"
+#include "NetworkNamespace.h"
 #include "RTSP_ClientSession.h"
 #include "RTSP_RTCPLink.h"
 #include "RTSP_RTCPLink_UDP_Multicast.h"
@@ -11,8 +12,11 @@
 
 #include <arpa/inet.h>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <netinet/in.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -242,6 +246,69 @@ TEST_F(RtspPorts, GoBackTo20000Behind49999)
         world.server->IncreasePort();
     world.server->IncreasePort();
     EXPECT_EQ(20000, world.server->NextPort());
+}
+
+TEST_F(RtspPorts, AUnicastSocketIsBoundToAnyAddressWithItsBuffer)
+{
+    int sock = world.server->Create_A_Valid_Sock(1, "127.0.0.1", 6000);
+    char ip[16];
+    unsigned short port = 0;
+    EXPECT_EQ(0, NC_GetSockName(sock, ip, &port));
+    EXPECT_STREQ("0.0.0.0", ip);
+    EXPECT_EQ(20000, port);
+    EXPECT_EQ(20001, world.server->NextPort());
+    int bytes = 0;
+    socklen_t length = sizeof(bytes);
+    getsockopt(sock, SOL_SOCKET, SO_SNDBUF, &bytes, &length);
+    EXPECT_EQ(2 * 0x20000, bytes); // the kernel tells twice what was asked for
+    NC_CloseSocket(sock);
+}
+
+TEST_F(RtspPorts, AGroupIsJoinedWithoutLoopAndBoundToTheClientsPort)
+{
+    if (!CNetworkNamespace::Enter() || !CNetworkNamespace::AddInterface("eth0", "10.1.0.5/24") ||
+        !CNetworkNamespace::Ip("route add default dev eth0"))
+        GTEST_SKIP() << "no network of its own";
+    int sock = world.server->Create_A_Valid_Sock(0, "239.1.2.3", 6000);
+    ASSERT_NE(-1, sock);
+    char ip[16];
+    unsigned short port = 0;
+    EXPECT_EQ(0, NC_GetSockName(sock, ip, &port));
+    EXPECT_STREQ("239.1.2.3", ip);
+    EXPECT_EQ(6000, port);
+    int loops = -1;
+    socklen_t length = sizeof(loops);
+    getsockopt(sock, IPPROTO_IP, IP_MULTICAST_LOOP, &loops, &length);
+    EXPECT_EQ(0, loops);
+    std::ifstream groups("/proc/self/net/igmp");
+    const std::string joined((std::istreambuf_iterator<char>(groups)), std::istreambuf_iterator<char>());
+    EXPECT_NE(std::string::npos, joined.find("030201EF")); // as the kernel prints 239.1.2.3
+    EXPECT_EQ(20000, world.server->NextPort());            // none was used
+    NC_CloseSocket(sock);
+}
+
+// The packets' socket alone is no use: it goes with the second one that cannot be had.
+TEST_F(RtspPorts, WithoutASocketForReportsThereIsNoneForPackets)
+{
+    ::testing::internal::CaptureStderr(); // it needs descriptors itself
+    const int next = dup(0);
+    close(next);
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit one{static_cast<rlim_t>(next) + 1, before.rlim_max};
+    const RTSP_STREAM_CFG config;
+    CRTSP_RTPLink* rtp = reinterpret_cast<CRTSP_RTPLink*>(this);
+    CRTSP_RTCPLink* rtcp = reinterpret_cast<CRTSP_RTCPLink*>(this);
+    setrlimit(RLIMIT_NOFILE, &one);
+    EXPECT_EQ(-1, world.server->Create_RTP_RTCP_Link_UDP(nullptr, 1, &rtcp, &rtp, "127.0.0.1", 1, 2, &config));
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(nullptr, rtp);
+    EXPECT_EQ(nullptr, rtcp);
+    const int after = dup(0);
+    close(after);
+    EXPECT_EQ(next, after);
+    EXPECT_EQ(-1, world.scheduler.DelSockHandler(next));
+    EXPECT_EQ("RTP sock " + std::to_string(next) + "\n", ::testing::internal::GetCapturedStderr());
 }
 
 TEST_F(RtspPorts, AFailedGroupLeavesNoSocketOpen)
