@@ -255,8 +255,8 @@ TEST_F(RtspPorts, AUnicastSocketIsBoundToAnyAddressWithItsBuffer)
     unsigned short port = 0;
     EXPECT_EQ(0, NC_GetSockName(sock, ip, &port));
     EXPECT_STREQ("0.0.0.0", ip);
-    EXPECT_EQ(20000, port);
-    EXPECT_EQ(20001, world.server->NextPort());
+    EXPECT_GE(port, 20000); // others on this machine may have the first ones
+    EXPECT_EQ(port + 1, world.server->NextPort());
     int bytes = 0;
     socklen_t length = sizeof(bytes);
     getsockopt(sock, SOL_SOCKET, SO_SNDBUF, &bytes, &length);
