@@ -357,6 +357,34 @@ TEST_F(RtspCommands, TeardownAnswersAndCloses)
     EXPECT_EQ(calls, world.stream.Calls());
 }
 
+// The host may free the stream in that call: no client's queue is on it any more.
+TEST_F(RtspCommands, TeardownLeavesTheStreamBeforeItIsClosedAtTheHost)
+{
+    class Host : public FakeStreamCtrl
+    {
+    public:
+        explicit Host(RtspWorld& world) : m_world(world) {}
+        void CloseLiveStream(unsigned int /*handle*/) override
+        {
+            const std::string payload = DeltaFrame();
+            const NETNS::RTSP_FRAME frame = FrameRecord(NETNS::RTSP_FRAME_VIDEO, false, 2000000, payload.size());
+            result = m_world.data.AddData(1, 0, frame, payload.data());
+        }
+        int result = 1;
+
+    private:
+        RtspWorld& m_world;
+    };
+    Host host(world);
+    world.data.Init(&host, &world.device);
+    world.BeginLive();
+    Describe();
+    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    Ask(Request("PLAY", Url("/live/one")));
+    Ask(Request("TEARDOWN", Url("/live/one")));
+    EXPECT_EQ(0, host.result); // a queue that waits for a key frame would refuse it
+}
+
 TEST_F(RtspCommands, TeardownOfAPlaybackClosesThePlayback)
 {
     world.PushVideo(55, 29, KeyFrame(), true, 1000000);
