@@ -161,6 +161,8 @@ int CRTSP_Server::HandleTimeOut(int iTypeMask)
     return HANDLER_GONE;
 }
 
+void CRTSP_Server::Fail() {}
+
 void CRTSP_Server::CloseSocket()
 {
     // The listening socket is closed by Stop_RTSP_Server alone, so an open one stays open here.

@@ -34,6 +34,7 @@ public:
     int HandleSend() override;
     int HandleConnected() override;
     int HandleTimeOut(int iTypeMask) override;
+    void Fail() override; ///< the port stays open: the next connection may find memory
     void CloseSocket() override;
 
     /// @return the first session whose GET carried this tunnel cookie, null when there is none or the cookie is empty
