@@ -342,6 +342,19 @@ TEST_F(OnvifKeys, OfAPullGiveTheRequestInsteadOfSendingIt)
     EXPECT_TRUE(m_simulator->Requests().empty());
 }
 
+// As in every request, and the length is that of what is left.
+TEST_F(OnvifKeys, OfAPullLoseTheirTabs)
+{
+    std::string answer;
+    EXPECT_EQ(0, m_client->PullMessages("<Get><pullMessages><token>http://h/p</token><messageLimit>10\t24"
+                                        "</messageLimit></pullMessages></Get>",
+                                        answer));
+    EXPECT_EQ(std::string::npos, answer.find('\t'));
+    const std::string body = answer.substr(answer.find("\r\n\r\n") + 4);
+    EXPECT_EQ("1024", OnvifSoapRequest(body).Text("MessageLimit"));
+    EXPECT_NE(std::string::npos, answer.find("\r\nContent-Length: " + std::to_string(body.size()) + "\r\n"));
+}
+
 TEST_F(OnvifKeys, OfAPullWithoutAPathGoToTheEvents)
 {
     EXPECT_EQ("POST /onvif/event_service HTTP/1.1", Get("<pullMessages/>").substr(0, 34));
