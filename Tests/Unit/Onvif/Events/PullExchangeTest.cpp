@@ -206,4 +206,16 @@ TEST_F(PullExchange, SecondEngineWaitsThreeQuartersOfASecond)
     EXPECT_EQ(750u, m_sockets.LifetimeMs(1));
 }
 
+TEST_F(PullExchange, SecondEngineWaitsForAnAnswerAsLongAsTheTerm)
+{
+    m_sockets.ScriptConnects({CONNECTED});
+    CPullSubscription subscription(Login(), &m_host);
+    subscription.Start();
+    EXPECT_TRUE(m_sockets.AwaitDestroyed(1));
+    subscription.Stop();
+    EXPECT_EQ(60000u, m_sockets.LifetimeMs(1));
+    EXPECT_EQ(240, m_sockets.Reads(1)); // every 250 ms
+    EXPECT_THAT(m_sockets.Sent(1), HasSubstr("<ew:MessageLimit>2</ew:MessageLimit>"));
+}
+
 } // namespace
