@@ -17,8 +17,6 @@ namespace
 constexpr unsigned int TERM_SECONDS = 60;
 constexpr unsigned int MESSAGE_LIMIT = 2;
 constexpr int CONNECT_POLLS = 15;
-constexpr unsigned int REOPEN_PAUSE_MS = 200;
-constexpr unsigned int RETRY_PAUSE_MS = 50 * 200;
 constexpr unsigned int ALARM_IN_INDEX = 1;
 
 constexpr int ANSWER_BYTES = 8192; ///< its zero byte included

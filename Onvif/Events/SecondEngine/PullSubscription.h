@@ -16,6 +16,9 @@ class CONVIFAlarmStateObserver;
 class CPullSubscription
 {
 public:
+    static constexpr unsigned int REOPEN_PAUSE_MS = 200;  ///< behind a pull point that was lost
+    static constexpr unsigned int RETRY_PAUSE_MS = 10000; ///< behind one that the camera did not open
+
     /// @param observer  borrowed until Stop
     CPullSubscription(unsigned int token, CONVIFAlarmStateObserver* observer);
     virtual ~CPullSubscription() = default;

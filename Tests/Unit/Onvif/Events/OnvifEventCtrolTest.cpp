@@ -865,6 +865,11 @@ TEST_F(OnvifEventCtrol, ObserversComeAndGoWhileEventsComeIn)
 
 // The check thread, on the real clock.
 
+TEST(OnvifEventCtrolThread, WaitsBetweenTwoPassesAsLongAsHostsKnowIt)
+{
+    EXPECT_EQ(300u, COnvifEventCtrol::PASS_MS);
+}
+
 TEST(OnvifEventCtrolThread, TellsWithinAFewPassesAndStopsAtOnce)
 {
     SHARESDK_SetLogLevel(SHARESDK_LOG_NONE);

@@ -138,6 +138,14 @@ TEST_F(NotifyObserver, ThreadTellsAndStopsAtOnce)
     observer.Stop();
 }
 
+// Waits of the threads, which are on the real clock.
+TEST(SecondEngineThreads, WaitAsLongAsCamerasKnowThem)
+{
+    EXPECT_EQ(100u, CNotifyObserver::PASS_MS);
+    EXPECT_EQ(200u, CPullSubscription::REOPEN_PAUSE_MS);
+    EXPECT_EQ(10000u, CPullSubscription::RETRY_PAUSE_MS);
+}
+
 class PullSubscription : public EventWorld
 {
 protected:
