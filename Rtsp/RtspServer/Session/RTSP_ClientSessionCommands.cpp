@@ -19,7 +19,6 @@
 #include <cinttypes>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 namespace
@@ -356,7 +355,7 @@ bool CRTSP_ClientSession::OpenPlayback(const std::string& url, const char* userT
     NETNS::DEV_TIME time{};
     if (!ReadDate(dateText, date) || !ReadTime(timeText, time))
         return false;
-    const unsigned int timeLen = static_cast<unsigned int>(std::strtol(lengthText.c_str(), nullptr, 10));
+    const unsigned int timeLen = static_cast<unsigned int>(RtspParseInt(lengthText.c_str()));
     unsigned int unused = 0;
     m_streamHandle =
         CRTSP_DataManager::Instance().OpenRecStream(userText, PlaybackChannel(url), date, time, timeLen, unused);

@@ -112,6 +112,13 @@ TEST_F(RtspCommands, DescribeOfARecordingOpensItAtTheHost)
     EXPECT_EQ(std::vector<std::string>{"OpenRecStream 3 2016-1-2 8:30:0 600 0"}, world.stream.Calls());
 }
 
+TEST_F(RtspCommands, ALengthOfARecordingBeyondAnIntIsTheLargestInt)
+{
+    world.PushVideo(55, 29, KeyFrame(), true, 1000000);
+    Ask(Request("DESCRIBE", Url("/3?date=2016-1-2&time=8:30:0&timelen=4294967297")));
+    EXPECT_EQ(std::vector<std::string>{"OpenRecStream 3 2016-1-2 8:30:0 2147483647 0"}, world.stream.Calls());
+}
+
 TEST_F(RtspCommands, ARecordingWithoutAChannelNumberHasAllOnes)
 {
     world.PushVideo(55, 29, KeyFrame(), true, 1000000);
