@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs the Debian 12 packages that a task needs. Does nothing when they are there.
-# usage: deps.sh [build] [format] [lint] [fuzz]      (build when none is named)
+# usage: deps.sh [build] [format] [lint] [fuzz] [arm]      (build when none is named)
 set -eu
 
 # What builds the library, the camera, the tests and the benchmarks, and the clients that the tests drive.
@@ -14,6 +14,8 @@ BUILD="cmake ninja-build g++ pkg-config
 FORMAT="git clang-format"
 LINT="clang-tidy cppcheck"
 FUZZ="clang libclang-rt-14-dev"
+# The libraries are those of the device: see arm-sysroot.sh.
+ARM="cmake ninja-build pkg-config g++-arm-linux-gnueabihf qemu-user debian-archive-keyring python3 iproute2 util-linux"
 
 packages=""
 for group in "${@:-build}"; do
@@ -22,6 +24,7 @@ for group in "${@:-build}"; do
     format) packages="$packages $FORMAT" ;;
     lint) packages="$packages $BUILD $FORMAT $LINT" ;;
     fuzz) packages="$packages $BUILD $FUZZ" ;;
+    arm) packages="$packages $ARM" ;;
     *) echo "deps.sh: no group '$group'" >&2; exit 2 ;;
   esac
 done
