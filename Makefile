@@ -2,7 +2,7 @@
 #
 #   make run              build and start the reference camera (ARGS="--fps 25" passes options)
 #   make test             build everything and run every test
-.PHONY: help deps run test test-asan test-tsan coverage bench fuzz docs format lint clean
+.PHONY: help deps run test test-asan test-tsan test-arm coverage bench fuzz docs format lint clean
 
 JOBS ?= $(shell nproc)
 
@@ -11,6 +11,7 @@ help:
 	@echo "make test        build everything and run every test"
 	@echo "make test-asan   the same under AddressSanitizer and UndefinedBehaviorSanitizer"
 	@echo "make test-tsan   the same under ThreadSanitizer"
+	@echo "make test-arm    cross-build for 32-bit ARM and run the tests under qemu"
 	@echo "make coverage    run the library's tests and report which lines they reach"
 	@echo "make bench       build optimised and run the benchmarks"
 	@echo "make fuzz        run each fuzz target for FUZZ_SECONDS (60)"
@@ -37,6 +38,13 @@ test-asan test-tsan: test-%: deps
 	cmake --preset $*
 	cmake --build --preset $* --parallel $(JOBS)
 	ctest --preset $* --parallel $(JOBS)
+
+test-arm:
+	@scripts/deps.sh arm
+	@scripts/arm-sysroot.sh
+	cmake --preset arm
+	cmake --build --preset arm --parallel $(JOBS)
+	ctest --preset arm --parallel $(JOBS)
 
 coverage:
 	@scripts/deps.sh coverage

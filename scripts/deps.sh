@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs the Debian 12 packages that a task needs. Does nothing when they are there.
-# usage: deps.sh [build] [format] [lint] [coverage] [fuzz]      (build when none is named)
+# usage: deps.sh [GROUP]...      (build when none is named; the groups are below)
 set -eu
 
 # What builds the library, the camera, the tests and the benchmarks, and the clients that the tests drive.
@@ -15,6 +15,8 @@ FORMAT="git clang-format"
 LINT="clang clang-tidy cppcheck"
 COVERAGE="gcovr"
 FUZZ="clang libclang-rt-14-dev"
+# The libraries are those of the device: see arm-sysroot.sh.
+ARM="cmake ninja-build pkg-config g++-arm-linux-gnueabihf qemu-user debian-archive-keyring python3 iproute2 util-linux"
 
 packages=""
 for group in "${@:-build}"; do
@@ -24,6 +26,7 @@ for group in "${@:-build}"; do
     lint) packages="$packages $BUILD $FORMAT $LINT" ;;
     coverage) packages="$packages $BUILD $COVERAGE" ;;
     fuzz) packages="$packages $BUILD $FUZZ" ;;
+    arm) packages="$packages $ARM" ;;
     *) echo "deps.sh: no group '$group'" >&2; exit 2 ;;
   esac
 done

@@ -123,6 +123,7 @@ const PlaybackCase PLAYBACK_CASES[] = {
     {"SlashAtIndexSeven", "rtsp:///7?date=2016-1-2&time=8:30:0&timelen=1", "7 2016-1-2 8:30:0 1"},
     {"OtherScheme", "abc://x/4/5?date=2016-1-2&time=8:30:0&timelen=1", "4 2016-1-2 8:30:0 1"},
     {"LengthIsNoNumber", "rtsp://h/3?date=2016-1-2&time=8:30:0&timelen=x", "3 2016-1-2 8:30:0 0"},
+    {"LengthBeyondAnInt", "rtsp://h/3?date=2016-1-2&time=8:30:0&timelen=4294967297", "3 2016-1-2 8:30:0 2147483647"},
     {"TwoDateFields", "rtsp://h/3?date=2016-1&time=8:30:0&timelen=600", nullptr},
     {"TwoTimeFields", "rtsp://h/3?date=2016-1-2&time=8:30&timelen=600", nullptr},
     {"LengthInFrontOfTime", "rtsp://h/3?date=2016-1-2&timelen=600&time=8:30:0", nullptr}, // its name is found first
