@@ -2,9 +2,10 @@
 #
 #   make run              build and start the reference camera (ARGS="--fps 25" passes options)
 #   make test             build everything and run every test
-.PHONY: help deps run test test-asan test-tsan bench fuzz docs format lint clean
+.PHONY: help deps run test test-asan test-tsan bench soak fuzz docs format lint clean
 
 JOBS ?= $(shell nproc)
+SOAK_MINUTES ?= 10
 
 help:
 	@echo "make run         build and start the reference camera; ARGS=\"--fps 25\" passes options"
@@ -12,6 +13,7 @@ help:
 	@echo "make test-asan   the same under AddressSanitizer and UndefinedBehaviorSanitizer"
 	@echo "make test-tsan   the same under ThreadSanitizer"
 	@echo "make bench       build optimised and run the benchmarks"
+	@echo "make soak        load and break the camera and the recorder for SOAK_MINUTES ($(SOAK_MINUTES))"
 	@echo "make fuzz        run each fuzz target for FUZZ_SECONDS (60)"
 	@echo "make docs        try every example that the documents show"
 	@echo "make format      lay out all sources"
@@ -41,6 +43,12 @@ bench: deps
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS)
 	Bench/run.sh
+
+soak: deps
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS) --target netserver-camera netserver-nvr \
+	  netserver-onvif-simulator soak_clock
+	python3 -B Tests/Soak/soak.py --minutes $(SOAK_MINUTES)
 
 fuzz:
 	@scripts/deps.sh fuzz
