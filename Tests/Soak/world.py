@@ -25,6 +25,7 @@ CAMERA_ADDRESS, SITE_ADDRESS = "10.88.0.2", "10.88.0.1"
 HTTP, RTSP, ALARM, DESCRIPTION = 8080, 8554, 7000, 33899
 DISK_MB = 48
 READY_SECONDS = 60    # GStreamer looks through its plugins on the first run of a machine
+CARRIER_SECONDS = 5
 ANNOUNCED_SECONDS = 10  # from the start to the announcement
 END_SECONDS = 20      # for a program to end when it is asked to
 SIMULATOR_FIRST_PORT = 21000
@@ -73,6 +74,9 @@ class CameraNetwork(Network):
     def set_up(self):
         self.ip("link", "set", "eth0", "up")
         self.ip("route", "replace", "default", "via", SITE_ADDRESS)
+        end = time.monotonic() + CARRIER_SECONDS
+        while "state UP" not in self.ip("link", "show", "eth0") and time.monotonic() < end:
+            time.sleep(0.01)  # the kernel tells the carrier a moment after the link is up
 
     def set_down(self):
         self.ip("link", "set", "eth0", "down")
