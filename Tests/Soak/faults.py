@@ -13,7 +13,7 @@ import world
 
 # "log.request" too: the camera serves a request when one read brings all of it, and behind an outage TCP cuts anew what
 # was on its way.
-OUTAGE = ("rtsp.*", "api.*", "alarm.*", "sample.*", "log.request")
+OUTAGE = ("rtsp.*", "api.*", "alarm.*", "sample.*", "log.request", "log.timeout")
 
 # Seconds for everybody to be themselves again after an outage: TCP waits longer with each try, up to twice as long as
 # the outage lasted, and clients come again within a second.
@@ -162,7 +162,7 @@ CAMERA_FAULTS = [
     Fault("disk full", 8, ("api.answer", "log.disk"), 3, fill_disk),
     Fault("clock jumps", 9, (), 0, jump_clock),
     Fault("sound changed", 4, ("rtsp.closed", "rtsp.refused", "sample.*"), 3, change_sound),
-    Fault("descriptors exhausted", 6, OUTAGE + ("log.descriptors",), OUTAGE_AFTER, exhaust_descriptors),
+    Fault("descriptors exhausted", 6, OUTAGE + ("log.descriptors", "log.media"), OUTAGE_AFTER, exhaust_descriptors),
     Fault("interface down", 4, OUTAGE, OUTAGE_AFTER, interface_down),
     Fault("interface gone", 4, OUTAGE, OUTAGE_AFTER, interface_gone),
 ]

@@ -54,6 +54,8 @@ LATE_GROWTH_KB = {"camera": 3 * 1024, "recorder": 512}
 # the kind "log.unexpected", which no fault explains.
 CAMERA_LINES = [
     ("log.request", r" info .*rtsp cmd parse error"),
+    ("log.request", r"^Transport +(error para|param error)"),
+    ("log.timeout", r"[Tt]ime ?[Oo]ut(\*+|, sock = \d+|=+|$)"),
     (None, r" info RTSP_\w+\.cpp:\d+ "),
     (None, r" info ThreadPool\.cpp:\d+ thread pool: a thread leaves"),
     (None, r"^rtsp (accept|teardown)\b"),
@@ -65,6 +67,10 @@ CAMERA_LINES = [
     (None, r"RTSP_RTPLink_UDP\.cpp \d+ RecvData +why recv data"),  # the kernel tells that a client's port is shut
     ("log.descriptors", r" error NC_Socket\.cpp:\d+ ASSERT"),
     ("log.descriptors", r" error Listener\.cpp:\d+ port \d+: no descriptor is left, connections are refused"),
+    ("log.descriptors", r": Too many open files$"),
+    ("log.media", r"^netserver-camera: (.*; trying again|stream \d+: .*)$"),
+    ("log.media", r"\b(GStreamer|GLib)[-\w]* \*\*"),
+    (None, r"CRTSP_DataManager::GetSnapShot timeout"),  # the client is told
     ("log.disk", r"^netserver-camera: .*'; trying again with each key frame$"),
     ("log.disk", r"^netserver-camera: a setting could not be stored and stays as it was$"),
 ]
@@ -79,7 +85,6 @@ RECORDER_LINES = [
 
 class Dead(Exception):
     """A program under test has ended."""
-
 
 
 def difference(now, then):
