@@ -2,9 +2,10 @@
 #
 #   make run              build and start the reference camera (ARGS="--fps 25" passes options)
 #   make test             build everything and run every test
-.PHONY: help deps run test test-asan test-tsan test-arm coverage bench fuzz docs format lint clean
+.PHONY: help deps run test test-asan test-tsan test-arm coverage bench soak fuzz docs format lint clean
 
 JOBS ?= $(shell nproc)
+SOAK_MINUTES ?= 10
 
 help:
 	@echo "make run         build and start the reference camera; ARGS=\"--fps 25\" passes options"
@@ -14,6 +15,7 @@ help:
 	@echo "make test-arm    cross-build for 32-bit ARM and run the tests under qemu"
 	@echo "make coverage    run the library's tests and report which lines they reach"
 	@echo "make bench       build optimised and run the benchmarks"
+	@echo "make soak        load and break the camera and the recorder for SOAK_MINUTES ($(SOAK_MINUTES))"
 	@echo "make fuzz        run each fuzz target for FUZZ_SECONDS (60)"
 	@echo "make docs        try every example that the documents show"
 	@echo "make format      lay out all sources"
@@ -54,6 +56,12 @@ bench: deps
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS)
 	Bench/run.sh
+
+soak: deps
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS) --target netserver-camera netserver-nvr \
+	  netserver-onvif-simulator soak_clock
+	python3 -B Tests/Soak/soak.py --minutes $(SOAK_MINUTES)
 
 fuzz:
 	@scripts/deps.sh fuzz

@@ -6,7 +6,7 @@
 #include "OnvifSDK.h"
 
 #include <algorithm>
-#include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -23,7 +23,8 @@ namespace
 {
 
 constexpr std::size_t LARGEST_DOCUMENT = 1 << 20;
-constexpr char INTERRUPT = '\x03'; // Ctrl-C
+constexpr std::size_t WATCH_ROUND_MS = 10000; // in which each watched camera is looked after once
+constexpr char INTERRUPT = '\x03';            // Ctrl-C
 const char* const SEE_TRACE = "; --trace FILE shows the exchanges";
 
 /// A "Set" document with one key and texts at paths of up to three names below it.
@@ -325,7 +326,7 @@ NvrExit CNvrProgram::Watch()
         return NVR_NO_LOGIN;
     }
     Progress("watching, Ctrl-C ends it");
-    WaitForEndOfWatch();
+    LookAfterCameras(watch);
     return NVR_DONE;
 }
 
@@ -450,11 +451,28 @@ bool CNvrProgram::WaitForEndOfMove() const
     return sigtimedwait(&m_signals, nullptr, &limit) < 0;
 }
 
-void CNvrProgram::WaitForEndOfWatch() const
+/// Until a signal or the end of the time that was asked for. A camera's turn comes every ten seconds, so that one that
+/// starts anew, which takes longer, is not missed.
+void CNvrProgram::LookAfterCameras(CNvrWatch& watch)
 {
-    const timespec limit = {static_cast<time_t>(m_options.watchSeconds), 0};
-    while (sigtimedwait(&m_signals, nullptr, m_options.watchSeconds != 0 ? &limit : nullptr) < 0 && errno == EINTR)
+    const std::chrono::milliseconds pause(WATCH_ROUND_MS / watch.Cameras());
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(m_options.watchSeconds);
+    for (;;)
     {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+        const bool isLast = m_options.watchSeconds != 0 && left <= pause;
+        const long long waitMs = isLast ? std::max<long long>(left.count(), 0) : pause.count();
+        const timespec limit = {static_cast<time_t>(waitMs / 1000), static_cast<long>(waitMs % 1000) * 1000000};
+        const bool isSignal = sigtimedwait(&m_signals, nullptr, &limit) >= 0;
+        if (isSignal || isLast)
+        {
+            return;
+        }
+        const std::string change = watch.CheckNext();
+        if (!change.empty())
+        {
+            m_err << "netserver-nvr: " << change << std::endl;
+        }
     }
 }
 

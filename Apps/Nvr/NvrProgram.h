@@ -22,6 +22,8 @@ enum NvrExit
     NVR_NO_LOGIN = 3,
 };
 
+class CNvrWatch;
+
 class CNvrProgram
 {
 public:
@@ -50,7 +52,7 @@ private:
     bool AskForPassword();
     bool ReadFile();
     bool ReadCameras(std::vector<NvrCamera>& cameras);
-    void WaitForEndOfWatch() const;
+    void LookAfterCameras(CNvrWatch& watch);
     bool NeedsProfile() const;
     std::string NeedProblem() const;
     NvrExit Fetch(const std::vector<std::string>& keys, std::string& answer);

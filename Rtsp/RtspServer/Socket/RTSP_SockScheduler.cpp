@@ -366,7 +366,7 @@ bool CRTSP_SockScheduler::DispatchRecv(int sock, HANDLER_INFO& info, unsigned in
             return true;
         info.lastRecvTick = now;
         Guarded(info.handler, [&info] { return info.handler->HandleAccept(); });
-        return true;
+        return false;
     }
     if ((info.iHandlerMask & SOCK_HANDLER_RECV) != 0 && TakeReady(sock, READY_READ))
     {

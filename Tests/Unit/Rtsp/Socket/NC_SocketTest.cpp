@@ -9,16 +9,24 @@
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <vector>
 
 namespace
 {
+
+int OpenDescriptors()
+{
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return static_cast<int>(std::distance(begin(descriptors), end(descriptors)));
+}
 
 struct AddressCase
 {
@@ -270,6 +278,26 @@ TEST(NC_Udp, ADatagramIsWaitedFor)
     peer.SendTo(port, "answer");
     EXPECT_EQ(6, NC_UDP_Recvfrom(sock, buffer, sizeof(buffer), nullptr, nullptr, 5000));
     NC_CloseSocket(sock);
+}
+
+// Another thread may take the descriptor in the moment in which it is given up; here the limit is below it.
+TEST_F(NC_Listener, TheReserveComesBackWhenDescriptorsAreThereAgain)
+{
+    Peer refused(port);
+    Peer served(port);
+    SHARESDK_AbnormalOutput("the log is open", __FILE__, __LINE__); // it cannot be opened later
+    const int before = OpenDescriptors();
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    const rlimit none = {3, limit.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    EXPECT_EQ(-1, NC_Accept(sock, nullptr, nullptr));
+    setrlimit(RLIMIT_NOFILE, &limit);
+    EXPECT_EQ(before - 1, OpenDescriptors());
+    int accepted = NC_Accept(sock, nullptr, nullptr);
+    EXPECT_GT(accepted, 0);
+    NC_CloseSocket(accepted);
+    EXPECT_EQ(before, OpenDescriptors());
 }
 
 TEST(NC_Udp, SendsAndReceives)
