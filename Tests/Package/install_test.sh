@@ -1,10 +1,11 @@
 #!/bin/sh
-# Installs a build tree and builds a host from the installed files alone, by CMake package and by pkg-config, static and
+# Installs a build tree and builds a host and the examples from the installed files alone, by CMake package and by pkg-config, static and
 # shared.
-# usage: install_test.sh BUILD_DIR CONSUMER_DIR WORK_DIR
+# usage: install_test.sh BUILD_DIR SOURCE_DIR WORK_DIR
 set -eu
 build=$1
-consumer=$2
+source=$2
+consumer=$source/Tests/Package/consumer
 work=$3
 rm -rf "$work"
 cmake --install "$build" --prefix "$work/built" > "$work.log"
@@ -55,6 +56,15 @@ by_cmake cmake-asked static -DBUILD_SHARED_LIBS=OFF
 if cmake -S "$consumer" -B "$work/cmake-bad" -DCMAKE_PREFIX_PATH="$work/root" -DKIND=bogus > "$work.log" 2>&1; then
   fail "find_package takes a component that there is not"
 fi
+
+# The examples build from it as they stand; without arguments they tell how they are used.
+for example in minimal-host nvr-events; do
+  cmake -S "$source/examples/$example" -B "$work/$example" -DCMAKE_PREFIX_PATH="$work/root" > "$work.log"
+  cmake --build "$work/$example" > "$work.log" || fail "$(cat "$work.log")"
+  status=0
+  "$work/$example/$example" 2> "$work.log" || status=$?
+  [ $status -eq 2 ] && grep -q "^usage: $example " "$work.log" || fail "$example ends with status $status"
+done
 
 PKG_CONFIG_PATH=$libraries/pkgconfig
 export PKG_CONFIG_PATH
