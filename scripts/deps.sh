@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs the Debian 12 packages that a task needs. Does nothing when they are there.
-# usage: deps.sh [build] [format] [lint] [fuzz]      (build when none is named)
+# usage: deps.sh [build] [format] [lint] [fuzz] [deb]      (build when none is named)
 set -eu
 
 # What builds the library, the camera, the tests and the benchmarks, and the clients that the tests drive.
@@ -10,8 +10,10 @@ BUILD="cmake ninja-build g++ pkg-config
   gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly
   gstreamer1.0-x gstreamer1.0-libav gstreamer1.0-tools
   libgtest-dev libgmock-dev libbenchmark-dev
-  python3 ffmpeg curl libxml2-utils chromium iproute2 util-linux gupnp-tools"
+  python3 ffmpeg curl libxml2-utils chromium iproute2 util-linux gupnp-tools
+  debhelper dpkg-dev mandoc systemd"
 FORMAT="git clang-format"
+DEB="lintian"
 LINT="clang-tidy cppcheck"
 FUZZ="clang libclang-rt-14-dev"
 
@@ -22,7 +24,8 @@ for group in "${@:-build}"; do
     format) packages="$packages $FORMAT" ;;
     lint) packages="$packages $BUILD $FORMAT $LINT" ;;
     fuzz) packages="$packages $BUILD $FUZZ" ;;
-    *) echo "deps.sh: no group '$group'" >&2; exit 2 ;;
+    deb) packages="$packages $BUILD $DEB" ;;
+    *) echo "deps.sh: no group '$group'; there are build, format, lint, fuzz and deb" >&2; exit 2 ;;
   esac
 done
 
