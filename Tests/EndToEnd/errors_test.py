@@ -1,4 +1,4 @@
-"""What the tools say when something is wrong: one line, with what to do next, and a status that scripts can tell apart."""
+"""What the tools say when something is wrong: a line with what to do next, and a status that scripts can tell apart."""
 
 import os
 import socket
@@ -22,7 +22,8 @@ CAMERA_USAGE = [
     (["--http-port", "0"], r"--http-port: Value 0 not in range 1 to 65535; --help lists the options"),
     (["--fps", "many"], r"--fps: Value many not in range 1 to 60; --help lists the options"),
     (["--size", "1"], r"--size: '1' is not of the form 1280x720; --help lists the options"),
-    (["--size", "2x2"], r"--size: both sides must be multiples of 4 from 64 to 4096, not 2x2; --help lists the options"),
+    (["--size", "2x2"],
+     r"--size: both sides must be multiples of 4 from 64 to 4096, not 2x2; --help lists the options"),
     (["--http-port", "9000", "--rtsp-port", "9000"],
      r"--http-port and --rtsp-port must differ; --help lists the options"),
     (["--user", "me"], r"--user: the argument is not of the form NAME:PASSWORD; --help lists the options"),
@@ -43,10 +44,12 @@ NVR_USAGE = [
     (["--host", "camera", "get"], r"KEY is required; --help tells how it is used"),
     (["--host", "camera", "get", "nix"],
      r"'nix' is no key of a Get document; known are [A-Za-z0-9, ]+; --help tells how it is used"),
-    (["--host", "camera", "--port", "0", "login"], r"--port: Value 0 not in range 1 to 65535; --help tells how it is used"),
+    (["--host", "camera", "--port", "0", "login"],
+     r"--port: Value 0 not in range 1 to 65535; --help tells how it is used"),
     (["--host", "camera", "get", "ipv4", "--field", "x"],
      r"--field: 'x' is not of the form NAME=VALUE; --help tells how it is used"),
-    (["--host", "camera", "--user", "a:b", "login"], r"--user: a name with a colon cannot be sent; --help tells how it is used"),
+    (["--host", "camera", "--user", "a:b", "login"],
+     r"--user: a name with a colon cannot be sent; --help tells how it is used"),
     (["--host", "no.such.host.invalid", "login"],
      r"--host: 'no\.such\.host\.invalid' is no IPv4 address and no name that is known; check its spelling, or give the "
      r"address"),
@@ -118,8 +121,8 @@ class CameraErrors(Errors):
                 result = run(CAMERA, *SMALL, "--data-dir", self.path("data"), option, port,
                              {"HTTP": "--rtsp-port", "RTSP": "--http-port"}[name], str(free_ports(1)[0]))
                 self.check(result, FAILED, "netserver-camera",
-                           r"%s port %s cannot be used: Address already in use; end the program that has it, or choose "
-                           r"another one with %s" % (name, port, option))
+                           r"%s port %s cannot be used: Address already in use; end the program that has it, or "
+                           r"choose another one with %s" % (name, port, option))
 
     def test_a_port_that_needs_a_right(self):
         namespace = ("unshare", "--net") if os.geteuid() == 0 else ("unshare", "--net", "--map-current-user")
@@ -128,8 +131,8 @@ class CameraErrors(Errors):
         result = run(*namespace, *self.without("net_bind_service"), CAMERA, "--http-port", "80", "--data-dir",
                      self.path("data"))
         self.check(result, FAILED, "netserver-camera",
-                   r"HTTP port 80 cannot be used: Permission denied; ports below 1024 need a right of their own, choose "
-                   r"another one with --http-port")
+                   r"HTTP port 80 cannot be used: Permission denied; ports below 1024 need a right of their own, "
+                   r"choose another one with --http-port")
 
     def test_a_data_directory_that_cannot_be_made(self):
         file = self.path("file", "")
@@ -153,8 +156,8 @@ class CameraErrors(Errors):
         script = "mount -t tmpfs -o size=16k none '%s' && exec \"$@\"" % data
         if run(*mount, "sh", "-c", script, "sh", "true")[0] != 0:
             self.skipTest("the kernel does not allow a mount namespace here")
-        self.check_start(r"'%s/camera\.db' cannot be written: [^;]+; check the rights of its directory and the free space "
-                         r"there" % data, before=(*mount, "sh", "-c", script, "sh"), data=data)
+        self.check_start(r"'%s/camera\.db' cannot be written: [^;]+; check the rights of its directory and the free "
+                         r"space there" % data, before=(*mount, "sh", "-c", script, "sh"), data=data)
 
     def test_a_data_directory_of_another_camera(self):
         with Camera(*SMALL) as other:
@@ -241,7 +244,8 @@ class NvrErrors(Errors):
                            r"gotoPreset: fault 5: No such preset")
 
     def test_a_file_that_names_cameras_badly(self):
-        self.check_nvr(nvr.run("watch", "--cameras", self.path("empty", "# none\n")), USAGE, r".*/empty: it names no camera")
+        self.check_nvr(nvr.run("watch", "--cameras", self.path("empty", "# none\n")), USAGE,
+                       r".*/empty: it names no camera")
         self.check_nvr(nvr.run("watch", "--cameras", self.path("port", "camera:x\n")), USAGE,
                        r".*/port: line 1: 'x' is no port")
 
