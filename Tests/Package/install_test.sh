@@ -63,13 +63,25 @@ for example in minimal-host nvr-events; do
   cmake --build "$work/$example" > "$work.log" || fail "$(cat "$work.log")"
   status=0
   "$work/$example/$example" 2> "$work.log" || status=$?
-  [ $status -eq 2 ] && grep -q "^usage: $example " "$work.log" || fail "$example ends with status $status"
+  if [ $status -ne 2 ] || ! grep -q "^usage: $example " "$work.log"; then fail "$example ends with status $status"; fi
 done
 
 PKG_CONFIG_PATH=$libraries/pkgconfig
 export PKG_CONFIG_PATH
 by_pkg_config by-pkg-config-shared shared netserver
 by_pkg_config by-pkg-config-static static netserver-static
+
+# The applications find the libraries and the pages beside them, wherever the tree is.
+if [ -x "$work/root/bin/netserver-camera" ]; then
+  for program in netserver-camera netserver-nvr; do
+    version=$("$work/root/bin/$program" --version)
+    [ "${version%% *}" = $program ] || fail "$program --version: $version"
+    [ -s "$work/root/share/man/man1/$program.1" ] || fail "no man page of $program"
+  done
+  [ -s "$work/root/share/netserver-camera/www/index.html" ] || fail "no page of the camera"
+  grep -q "^ExecStart=$work/built/bin/netserver-camera " "$work/root/lib/systemd/system/netserver-camera.service" ||
+    fail "the service starts something else"
+fi
 
 # A host sees the functions of the public headers, and not what they are made of.
 for library in netserver netsocket sharesdk; do
