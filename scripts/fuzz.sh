@@ -20,7 +20,8 @@ for target in "$@"; do
   mkdir -p "build/fuzz/found/$target"
   dictionary=""
   [ ! -f "Fuzz/$target.dict" ] || dictionary="-dict=Fuzz/$target.dict"
-  "build/fuzz/Fuzz/$target" -max_total_time="${FUZZ_SECONDS:-60}" -print_final_stats=1 -close_fd_mask=2 ${dictionary:+"$dictionary"} \
+  "build/fuzz/Fuzz/$target" -max_total_time="${FUZZ_SECONDS:-60}" -print_final_stats=1 -close_fd_mask=2 \
+    ${dictionary:+"$dictionary"} \
     -artifact_prefix="build/fuzz/found/$target-" "build/fuzz/found/$target" "Fuzz/corpus/$target" || {
     echo "fuzz.sh: $target found something; the input is in build/fuzz/found/$target-*, and" \
       "'build/fuzz/Fuzz/$target INPUT' shows what it does" >&2

@@ -1,6 +1,9 @@
 """What the tools say when something is wrong: a line with what to do next, and a status that scripts can tell apart."""
 
 import os
+import pty
+import select
+import signal
 import socket
 import subprocess
 import tempfile
@@ -258,6 +261,50 @@ class NvrErrors(Errors):
         self.assertEqual(2, len(lines), err)
         for port, line in zip(ports, lines):
             self.assertTrue(line.startswith("netserver-nvr: 127.0.0.1:%d: login failed with code 4: " % port), line)
+
+
+class OnATerminal(Errors):
+    """What a person who waits sees on standard error."""
+
+    def start(self, *command):
+        """@return the process, and the terminal that it writes to"""
+        terminal, its_end = pty.openpty()
+        process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=its_end,
+                                   env=nvr.environment())
+        os.close(its_end)
+        self.addCleanup(os.close, terminal)
+        self.addCleanup(process.stdout.close)
+        return process, terminal
+
+    def read_until(self, terminal, text):
+        shown = b""
+        while text not in shown.decode():
+            self.assertTrue(select.select([terminal], [], [], LIMIT)[0], shown)
+            shown += os.read(terminal, 4096)
+        return shown.decode()
+
+    def test_the_camera_tells_where_its_page_is(self):
+        http, rtsp = free_ports(2)
+        process, terminal = self.start(CAMERA, *SMALL, "--http-port", str(http), "--rtsp-port", str(rtsp), "--data-dir",
+                                       self.path("data"))
+        try:
+            self.read_until(terminal, "netserver-camera: the page is http://localhost:%d/, Ctrl-C ends the camera" % http)
+        finally:
+            process.terminate()
+            process.wait(LIMIT)
+
+    def test_a_watch_counts_the_cameras(self):
+        with nvr.Simulator() as camera:
+            unused = free_ports(1)[0]
+            cameras = self.path("cameras", "127.0.0.1:%d\n127.0.0.1:%d admin\n" % (unused, camera.port))
+            process, terminal = self.start(nvr.NVR, "watch", "--cameras", cameras)
+            try:
+                shown = self.read_until(terminal, "watching 1 of 2, Ctrl-C ends it")
+            finally:
+                process.send_signal(signal.SIGINT)
+                process.wait(LIMIT)
+            self.assertIn("netserver-nvr: logging in to 127.0.0.1:%d (1 of 2)" % unused, shown)
+            self.assertIn("netserver-nvr: logging in to 127.0.0.1:%d (2 of 2)" % camera.port, shown)
 
 
 if __name__ == "__main__":
