@@ -2,7 +2,7 @@
 #
 #   make run              build and start the reference camera (ARGS="--fps 25" passes options)
 #   make test             build everything and run every test
-.PHONY: help deps run test test-asan test-tsan test-arm coverage bench soak fuzz docs format lint clean
+.PHONY: help deps run test test-asan test-tsan test-arm coverage bench soak fuzz docs deb format lint clean
 
 JOBS ?= $(shell nproc)
 SOAK_MINUTES ?= 10
@@ -18,6 +18,7 @@ help:
 	@echo "make soak        load and break the camera and the recorder for SOAK_MINUTES ($(SOAK_MINUTES))"
 	@echo "make fuzz        run each fuzz target for FUZZ_SECONDS (60)"
 	@echo "make docs        try every example that the documents show"
+	@echo "make deb         make Debian packages in build/deb"
 	@echo "make format      lay out all sources"
 	@echo "make lint        check layout, compile with clang, run clang-tidy and cppcheck"
 	@echo "make deps        install the Debian packages; the others do so themselves"
@@ -71,6 +72,13 @@ docs: deps
 	cmake --preset dev
 	cmake --build --preset dev --parallel $(JOBS)
 	ctest --preset dev --tests-regex '^Docs'
+
+deb:
+	@scripts/deps.sh deb
+	cmake --preset deb
+	cmake --build --preset deb --parallel $(JOBS)
+	packaging/make-debs.sh build/deb build/deb
+	lintian --allow-root --fail-on error build/deb/*.deb
 
 format:
 	@scripts/deps.sh format

@@ -10,10 +10,12 @@ BUILD="cmake ninja-build g++ pkg-config
   gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly
   gstreamer1.0-x gstreamer1.0-libav gstreamer1.0-tools
   libgtest-dev libgmock-dev libbenchmark-dev
-  python3 ffmpeg curl libxml2-utils chromium iproute2 util-linux gupnp-tools"
+  python3 ffmpeg curl libxml2-utils chromium iproute2 util-linux gupnp-tools
+  debhelper dpkg-dev mandoc systemd"
 FORMAT="git clang-format"
 LINT="clang clang-tidy cppcheck"
 COVERAGE="gcovr"
+DEB="lintian"
 FUZZ="clang libclang-rt-14-dev"
 # The libraries are those of the device: see arm-sysroot.sh.
 ARM="cmake ninja-build pkg-config g++-arm-linux-gnueabihf qemu-user debian-archive-keyring python3 iproute2 util-linux"
@@ -27,7 +29,8 @@ for group in "${@:-build}"; do
     coverage) packages="$packages $BUILD $COVERAGE" ;;
     fuzz) packages="$packages $BUILD $FUZZ" ;;
     arm) packages="$packages $ARM" ;;
-    *) echo "deps.sh: no group '$group'" >&2; exit 2 ;;
+    deb) packages="$packages $BUILD $DEB" ;;
+    *) echo "deps.sh: no group '$group'; there are build, format, lint, coverage, fuzz, arm and deb" >&2; exit 2 ;;
   esac
 done
 

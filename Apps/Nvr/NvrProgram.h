@@ -58,6 +58,7 @@ private:
     NvrExit Fetch(const std::vector<std::string>& keys, std::string& answer);
     NvrExit Judge(bool good, const std::string& answer, const std::string& what);
     bool WaitForEndOfMove() const;
+    std::string LoginProblem(unsigned int error) const;
     NvrExit Fail(NvrExit status, const std::string& message);
     void Progress(const std::string& message);
 

@@ -19,7 +19,6 @@ namespace
 {
 
 constexpr unsigned int NEW_LOGIN = 0xFFFFFFFF;
-constexpr unsigned int NO_ANSWER = 4; // result code of a login
 constexpr int CONNECT_MS = 2000;
 
 /// "2026-11-21T13:30:00.123Z"
@@ -102,7 +101,7 @@ unsigned int CNvrWatch::LogIn(Camera& camera)
                                                   camera.camera.user.c_str(), camera.camera.password.c_str(), &error);
     if (error != 0)
     {
-        camera.state = error == NO_ANSWER ? State::Away : State::Refused;
+        camera.state = error == LOGIN_NO_ANSWER ? State::Away : State::Refused;
         return error;
     }
     {
@@ -146,7 +145,7 @@ std::string CNvrWatch::CheckNext()
     {
         return name + " is watched again";
     }
-    return error == NO_ANSWER
+    return error == LOGIN_NO_ANSWER
                ? ""
                : name + ": login failed with code " + std::to_string(error) + ": " + DescribeLoginError(error);
 }
