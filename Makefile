@@ -14,10 +14,10 @@ help:
 	@echo "make test-tsan   the same under ThreadSanitizer"
 	@echo "make test-arm    cross-build for 32-bit ARM and run the tests under qemu"
 	@echo "make coverage    run the library's tests and report which lines they reach"
-	@echo "make bench       build optimised and run the benchmarks"
+	@echo "make bench       build optimised, run the benchmarks, and put their figures into the documents"
 	@echo "make soak        load and break the camera and the recorder for SOAK_MINUTES ($(SOAK_MINUTES))"
 	@echo "make fuzz        run each fuzz target for FUZZ_SECONDS (60)"
-	@echo "make docs        try every example that the documents show"
+	@echo "make docs        draw the pictures, make build/docs/html, and try every example that the documents show"
 	@echo "make deb         make Debian packages in build/deb"
 	@echo "make format      lay out all sources"
 	@echo "make lint        check layout, compile with clang, run clang-tidy and cppcheck"
@@ -57,6 +57,7 @@ bench: deps
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS)
 	Bench/run.sh
+	python3 -B Bench/publish.py
 
 soak: deps
 	cmake --preset release
@@ -69,6 +70,8 @@ fuzz:
 	scripts/fuzz.sh
 
 docs: deps
+	docs/pictures/draw.sh docs/pictures
+	docs/make.sh build/docs
 	cmake --preset dev
 	cmake --build --preset dev --parallel $(JOBS)
 	ctest --preset dev --tests-regex '^Docs'

@@ -128,6 +128,9 @@ row() {
     printf '%-58s %12s  %s\n' "$1" "$2" "${3:-}"
 }
 
+# What the run is made with, for those who read its figures.
+printf 'seconds\t%s\nload_average\t%s\n' "$SECONDS_EACH" "$(cut -d' ' -f1 /proc/loadavg)" >"$OUT/run.tsv"
+
 VIDEO=$OUT/video-4m.h264
 SMALL=$OUT/video-64k.h264
 make_file "$VIDEO" 1280x720 4M 40
