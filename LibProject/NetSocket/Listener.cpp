@@ -314,6 +314,10 @@ CFileDescriptor CListener::Accept(sockaddr_in& peer)
     if (socket.IsOpen())
     {
         m_refusing = false;
+        if (!m_reserve.IsOpen())
+        {
+            OpenReserve(); // lost while there was none
+        }
     }
     else if (error == EMFILE || error == ENFILE)
     {

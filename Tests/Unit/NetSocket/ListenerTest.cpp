@@ -10,6 +10,12 @@
 #include <thread>
 #include <vector>
 
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+
 #include <gtest/gtest.h>
 
 namespace
@@ -122,5 +128,64 @@ TEST_F(Listener, ThreadsMayEndWhileItStops)
     }
     Open(std::chrono::milliseconds(1));
 }
+
+#ifndef __SANITIZE_ADDRESS__ // the sanitizer opens a pipe to check a pointer, and takes a failure for a bad pointer
+
+/// Takes no descriptor itself.
+int OpenDescriptors()
+{
+    int count = 0;
+    for (int descriptor = 0; descriptor < 1024; ++descriptor)
+    {
+        count += fcntl(descriptor, F_GETFD) != -1 ? 1 : 0;
+    }
+    return count;
+}
+
+bool AwaitDescriptors(int count)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (OpenDescriptors() != count && std::chrono::steady_clock::now() < deadline)
+    {
+        std::this_thread::yield();
+    }
+    return OpenDescriptors() == count;
+}
+
+// Another thread may take the descriptor in the moment in which it is given up; here the limit is below it.
+TEST_F(Listener, TheReserveComesBackWhenDescriptorsAreThereAgain)
+{
+    constexpr int PEERS = 4;
+    Open(CListener::SPARE_LIFE);
+    m_observer.LetGo();
+    TcpPeer::Connect(m_listener->Port()).ReadAll();
+    const int before = OpenDescriptors();
+    std::vector<TcpPeer> peers;
+    for (int i = 0; i < PEERS; ++i)
+    {
+        peers.emplace_back(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    }
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    const rlimit none = {3, limit.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(m_listener->Port());
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    for (TcpPeer& peer : peers)
+    {
+        EXPECT_EQ(0, connect(peer.Descriptor(), reinterpret_cast<sockaddr*>(&address), sizeof(address)));
+    }
+    EXPECT_TRUE(AwaitDescriptors(before + PEERS - 1));
+    setrlimit(RLIMIT_NOFILE, &limit);
+    for (TcpPeer& peer : peers)
+    {
+        peer.ReadAll();
+    }
+    EXPECT_TRUE(AwaitDescriptors(before + PEERS));
+}
+
+#endif
 
 } // namespace
