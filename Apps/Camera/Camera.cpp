@@ -64,7 +64,8 @@ bool CheckService(const char* name, unsigned short port)
     {
         return true;
     }
-    Say(std::string(name) + " port " + std::to_string(port) + " does not answer");
+    Say(std::string(name) + " port " + std::to_string(port) +
+        " does not answer; another program may have taken it just now, start again");
     return false;
 }
 
@@ -136,7 +137,7 @@ int CCamera::Run(int readyFd)
     if (NET_SERVER_Initial(m_options.channels, ALARM_OUT_COUNT, SENSOR_COUNT, m_device.get(), m_streams.get(),
                            RTSP_PORT_MARK, m_rtspPortText.c_str(), FLAG_XML_API, NETNS::DEV_TYPE_DEFAULT) != 1)
     {
-        Say("the network services could not be started");
+        Say("the network services could not be started; the limits of open files and threads may be too low");
         return 1;
     }
     Outcome outcome = Outcome::Reboot;
