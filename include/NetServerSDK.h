@@ -87,7 +87,9 @@ int NET_SERVER_RTSPStop();
 /// Ends HTTP and the UPnP description; nothing is announced. @return 0
 int NET_SERVER_Stop();
 
-/// Ends the socket service with its threads and sockets; starting again needs NET_SERVER_Initial. @return 1
+/// Ends the socket service with its threads and sockets; starting again needs NET_SERVER_Initial. Requests that are
+/// inside the device come out first, for which it waits five seconds at most; called from inside a request it does not.
+/// @return 1
 int NET_SERVER_Quit();
 
 int NET_SERVER_GetVersion();      ///< @return 0
