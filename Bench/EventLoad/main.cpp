@@ -111,6 +111,25 @@ bool Post(const std::string& to, bool state)
     return !PostOnvifNotification(NOTIFICATION_PORT, notification).empty();
 }
 
+/// Lets a camera see the other state, or tell it.
+void Change(const Options& options, OnvifDeviceSimulator& camera, unsigned int index, std::uint64_t round,
+            Shared& shared)
+{
+    const bool state = round % 2 == 0;
+    camera.Forget(); // it would note every request for as long as this runs
+    shared.changedNs[index][round % ROUNDS_KEPT] = NowNs();
+    shared.rounds[index] = round + 1;
+    ++shared.changes;
+    if (options.mode == "push")
+    {
+        Require(Post(camera.Value("subscribe.consumer"), state), "a notification could not be posted");
+    }
+    else
+    {
+        camera.SetValue("motion", state ? "true" : "false");
+    }
+}
+
 /// The cameras' process.
 [[noreturn]] void RunCameras(const Options& options, Shared& shared)
 {
@@ -139,22 +158,10 @@ bool Post(const std::string& to, bool state)
     const std::uint64_t beginNs = NowNs();
     for (std::uint64_t round = 0;; ++round)
     {
-        const bool state = round % 2 == 0;
         for (unsigned int i = 0; i < options.cameras; ++i)
         {
             SleepUntilNs(beginNs + round * SECOND_NS + i * SECOND_NS / options.cameras);
-            cameras[i]->Forget(); // it would note every request for as long as this runs
-            shared.changedNs[i][round % ROUNDS_KEPT] = NowNs();
-            shared.rounds[i] = round + 1;
-            ++shared.changes;
-            if (options.mode == "push")
-            {
-                Require(Post(cameras[i]->Value("subscribe.consumer"), state), "a notification could not be posted");
-            }
-            else
-            {
-                cameras[i]->SetValue("motion", state ? "true" : "false");
-            }
+            Change(options, *cameras[i], i, round, shared);
         }
     }
 }
@@ -212,14 +219,9 @@ private:
     std::vector<double> m_latenciesMs;
 };
 
-} // namespace
-
-int main(int argc, char** argv)
+/// @return the cameras' process
+pid_t StartCameras(const Options& options, Shared& shared)
 {
-    const Options options = ReadOptions(argc, argv);
-    void* const memory = mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    Require(memory != MAP_FAILED, "no shared memory");
-    Shared& shared = *new (memory) Shared{};
     const pid_t cameras = fork();
     Require(cameras != -1, "no process for the cameras");
     if (cameras == 0)
@@ -230,10 +232,12 @@ int main(int argc, char** argv)
     {
         usleep(1000);
     }
+    return cameras;
+}
 
-    SHARESDK_SetLogLevel(SHARESDK_LOG_NONE);
-    ONVIF_CLIENT_Initial();
-    CTimingObserver observer(shared, options.mode == "push");
+/// @return the tokens of all cameras, which are observed
+std::vector<unsigned int> LogIn(const Options& options, Shared& shared, CTimingObserver& observer)
+{
     std::vector<unsigned int> tokens;
     for (unsigned int i = 0; i < options.cameras + options.unreachable; ++i)
     {
@@ -245,6 +249,11 @@ int main(int argc, char** argv)
         tokens.push_back(token);
         ONVIF_CLIENT_AddAlarmStateObserver(token, &observer);
     }
+    return tokens;
+}
+
+void Measure(const Options& options, Shared& shared, CTimingObserver& observer)
+{
     shared.go = true;
     sleep(3); // the first states are told
     observer.Take();
@@ -266,6 +275,23 @@ int main(int argc, char** argv)
     PrintFigure("cpu_cores", usedUs / 1e6 / options.seconds);
     PrintFigure("resident_kb_before", static_cast<double>(residentKb));
     PrintFigure("resident_kb_after", static_cast<double>(ResidentKb(getpid())));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Options options = ReadOptions(argc, argv);
+    void* const memory = mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    Require(memory != MAP_FAILED, "no shared memory");
+    Shared& shared = *new (memory) Shared{};
+    const pid_t cameras = StartCameras(options, shared);
+
+    SHARESDK_SetLogLevel(SHARESDK_LOG_NONE);
+    ONVIF_CLIENT_Initial();
+    CTimingObserver observer(shared, options.mode == "push");
+    const std::vector<unsigned int> tokens = LogIn(options, shared, observer);
+    Measure(options, shared, observer);
 
     kill(cameras, SIGKILL);
     waitpid(cameras, nullptr, 0);

@@ -6,11 +6,16 @@
 #include "FakeSocketService.h"
 #include "FakeStreamCtrl.h"
 #include "HttpProtocolAnalyse.h"
+#include "MyEvent.h"
+#include "NetServer.h"
 #include "NetServerDataProc.h"
 #include "NetworkNamespace.h"
+#include "PFHelper.h"
 #include "RTSP_Manager.h"
 #include "ShareSDK.h"
 
+#include <atomic>
+#include <chrono>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -88,6 +93,66 @@ TEST_F(NetServerSDK, PortsArePassedAsTheyAre)
     NET_SERVER_SetPolicy(0);
     EXPECT_THAT(m_sockets.TakeCalls(), ElementsAre("initial", "listen 65535 0 1", "stop 65535", "listen 1 0 1",
                                                    "stop 1", "listen 1 0 1", "stop 1"));
+}
+
+/// A device that takes its time.
+class CSlowDevice : public CFakeDevice
+{
+public:
+    NETNS::DEV_RET GetDevInfo(const char* verify, NETNS::DEV_DEVICE_INFO* info) override
+    {
+        isInside.SetEvent();
+        mayEnd.WaitEvent(CMyEvent::WITHOUT_LIMIT);
+        CPFHelper::Sleep(50);
+        const NETNS::DEV_RET result = CFakeDevice::GetDevInfo(verify, info);
+        hasEnded = true;
+        return result;
+    }
+
+    CMyEvent isInside{true};
+    CMyEvent mayEnd{true};
+    std::atomic<bool> hasEnded{false};
+};
+
+// Behind it the host may end its device.
+TEST_F(NetServerSDK, QuitLetsRequestsThatAreInsideTheDeviceComeOut)
+{
+    CSlowDevice device;
+    NET_SERVER_SetPolicy(NET_POLICY_NO_ANNOUNCE);
+    NET_SERVER_Initial(1, 0, 0, &device, nullptr, "", "", 1, NETNS::DEV_TYPE_DEFAULT);
+    NET_SERVER_SetPolicy(0);
+    const int handle =
+        m_sockets.Connect({{0, "GET /GetDeviceInfo HTTP/1.1\r\nAuthorization: Basic YWRtaW46YWRtaW4=\r\n\r\n"}});
+    CNetServer::Instance().OnAcceptCreateSocket(handle, 80, 0);
+    device.isInside.WaitEvent(CMyEvent::WITHOUT_LIMIT);
+    device.mayEnd.SetEvent();
+    EXPECT_EQ(1, NET_SERVER_Quit());
+    EXPECT_TRUE(device.hasEnded);
+    EXPECT_TRUE(m_sockets.AwaitDestroyed(handle));
+}
+
+// A host that ends the library from inside of a request does not wait for itself.
+TEST_F(NetServerSDK, QuitInsideARequestDoesNotWait)
+{
+    class CQuittingDevice : public CFakeDevice
+    {
+        NETNS::DEV_RET GetDevInfo(const char*, NETNS::DEV_DEVICE_INFO*) override
+        {
+            NET_SERVER_Quit();
+            return NETNS::DEV_RET_FAILED;
+        }
+    } device;
+    SHARESDK_SetLogLevel(SHARESDK_LOG_NONE);
+    NET_SERVER_SetPolicy(NET_POLICY_NO_ANNOUNCE);
+    NET_SERVER_Initial(1, 0, 0, &device, nullptr, "", "", 1, NETNS::DEV_TYPE_DEFAULT);
+    NET_SERVER_SetPolicy(0);
+    const int handle =
+        m_sockets.Connect({{0, "GET /GetDeviceInfo HTTP/1.1\r\nAuthorization: Basic YWRtaW46YWRtaW4=\r\n\r\n"}});
+    const auto begin = std::chrono::steady_clock::now();
+    CNetServer::Instance().OnAcceptCreateSocket(handle, 80, 0);
+    EXPECT_TRUE(m_sockets.AwaitDestroyed(handle));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(4));
+    NET_SERVER_Quit();
 }
 
 TEST_F(NetServerSDK, RtspStartsOnlyWhenTheSocketServiceIsUp)

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <future>
@@ -432,6 +433,23 @@ TEST_F(SnapShot, WithoutAPictureItFails)
     EXPECT_FALSE(m_manager.GetSnapShot(3, data, len));
     EXPECT_EQ(" CRTSP_DataManager::GetSnapShot timeout \n ", testing::internal::GetCapturedStderr());
     EXPECT_EQ(nullptr, data);
+}
+
+// A stop does not wait for clients of pictures: no frame is taken any more.
+TEST_F(SnapShot, IsNotWaitedForOnceTheStreamsHaveEnded)
+{
+    CRTSP_DataManager manager(60000);
+    char* data = nullptr;
+    unsigned int len = 0;
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_FALSE(Take(manager, data, len, [&manager] { manager.Clear(); }));
+    EXPECT_FALSE(manager.GetSnapShot(3, data, len));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
+    FakeStreamCtrl stream;
+    CFakeDevice device;
+    manager.Init(&stream, &device);
+    ASSERT_TRUE(Take(manager, data, len, [&manager] { Feed(manager, 3, JPEG, "picture"); }));
+    delete[] data;
 }
 
 TEST_F(SnapShot, OtherChannelsAndOtherTypesDoNotCount)
