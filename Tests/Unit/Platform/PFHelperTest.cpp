@@ -148,7 +148,7 @@ TEST(PFHelper, ThreadWithoutRoomForItsStackIsNone)
     unsigned int id = 7;
     errno = 0;
     EXPECT_EQ(0u, CPFHelper::CreateThread(&StoreThreadID, &seen, &id));
-    EXPECT_NE(0, errno);
+    EXPECT_EQ(EAGAIN, errno);
     EXPECT_EQ(7u, id);
     EXPECT_EQ(0, pthread_setattr_default_np(&before));
     pthread_attr_destroy(&huge);
