@@ -5,6 +5,7 @@
 // answer of its pull point tells. This process is the NVR: it logs in, watches, and takes the time at the observer's
 // call.
 #include "AlarmStateObserver.h"
+#include "BenchOptions.h"
 #include "BenchTools.h"
 #include "OnvifDeviceSimulator.h"
 #include "OnvifNotification.h"
@@ -12,7 +13,6 @@
 #include "ShareSDK.h"
 
 #include <arpa/inet.h>
-#include <getopt.h>
 #include <netinet/in.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
@@ -64,40 +64,15 @@ struct Shared
 
 Options ReadOptions(int argc, char** argv)
 {
-    static const option OPTIONS[] = {
-        {"mode", required_argument, nullptr, 'm'},
-        {"cameras", required_argument, nullptr, 'c'},
-        {"seconds", required_argument, nullptr, 's'},
-        {"unreachable", required_argument, nullptr, 'v'},
-        {nullptr, 0, nullptr, 0},
-    };
     Options options;
-    int letter = 0;
-    while ((letter = getopt_long(argc, argv, "", OPTIONS, nullptr)) != -1)
-    {
-        switch (letter)
-        {
-        case 'm':
-            options.mode = optarg;
-            break;
-        case 'c':
-            options.cameras = NumberOption("cameras", optarg);
-            break;
-        case 's':
-            options.seconds = NumberOption("seconds", optarg);
-            break;
-        case 'v':
-            options.unreachable = NumberOption("unreachable", optarg);
-            break;
-        default:
-            options.mode.clear();
-        }
-    }
-    if ((options.mode != "push" && options.mode != "pull") || options.cameras + options.unreachable > CAMERAS_MAX)
-    {
-        std::fputs(USAGE, stderr);
-        std::exit(2);
-    }
+    BenchOptions line(USAGE);
+    line.Text("mode", options.mode)
+        .Number("cameras", options.cameras)
+        .Number("seconds", options.seconds)
+        .Number("unreachable", options.unreachable)
+        .Read(argc, argv);
+    line.Require(options.mode == "push" || options.mode == "pull");
+    line.Require(options.cameras <= CAMERAS_MAX && options.unreachable <= CAMERAS_MAX - options.cameras);
     return options;
 }
 

@@ -146,7 +146,7 @@ int CQLXApiProc::GetDateAndTime(const std::string& ip, const CHttpProtocolAnalys
         return -1;
     }
     char now[TIME_SIZE];
-    Time2Str(static_cast<long>(std::time(nullptr)), now);
+    Time2Str(std::time(nullptr), now);
 
     CQLXXMLParse document(CQlxApiXmlFmt::GetDateAndTime());
     FillFields(document, TIME_FIELDS, config);

@@ -174,7 +174,7 @@ DEV_RET CCameraDevice::SetTimeConfig(const char* verify, const DEV_TIME_CONFIG* 
 DEV_RET CCameraDevice::SetDateTime(const char* verify, const DEV_DATETIME* /*time*/)
 {
     const DEV_RET checked = CheckUser(verify);
-    return checked == DEV_RET_OK ? DEV_RET_NOT_SUPPORT : checked;
+    return checked == DEV_RET_OK ? DEV_RET_NOT_SUPPORTED : checked;
 }
 
 bool CCameraDevice::NeedAuthorization()

@@ -494,8 +494,24 @@ TEST_F(RtspTunnel, APostWithAnotherCookieIsClosedWithoutAnAnswer)
 TEST_F(RtspTunnel, APostWithoutACookieFindsNobody)
 {
     Peer post = world.Connect();
+    ::testing::internal::CaptureStderr();
     post.Send("POST /live/one HTTP/1.0\r\n\r\n");
     EXPECT_TRUE(post.WaitClosed());
+    EXPECT_NE(std::string::npos, ::testing::internal::GetCapturedStderr().find(" get cliensession err\n"));
+}
+
+// The header does not count against the limit of what comes behind it.
+TEST_F(RtspTunnel, APostOfAlmostTheLimitIsFollowedByItsMessages)
+{
+    Peer post = world.Connect();
+    post.Send("POST /live/one HTTP/1.0\r\nx-sessioncookie: abc123\r\nX: " + std::string(16300, 'x') + "\r\n\r\n");
+    world.Rounds(3);
+    for (const int cseq : {7, 8})
+    {
+        post.Send(Base64("OPTIONS * RTSP/1.0\r\nCSeq: " + std::to_string(cseq) + "\r\nX: " + std::string(9000, 'x') +
+                         "\r\n\r\n"));
+        EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), cseq));
+    }
 }
 
 TEST_F(RtspTunnel, ACookieCountsToItsFiftiethByte)

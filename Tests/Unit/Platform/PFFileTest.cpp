@@ -242,6 +242,21 @@ TEST(PFFile, SizeLeavesThePlace)
     EXPECT_EQ("89", ReadAll(file));
 }
 
+// A 32-bit device has files as large as any other.
+TEST(PFFile, ReachesBeyondFourGibibytes)
+{
+    const CTempDirectory directory;
+    const std::string path = directory.Write("f", "");
+    CPFFile file;
+    ASSERT_TRUE(file.OpenFile(path.c_str(), 3));
+    EXPECT_EQ(5368709120, file.Seek(5368709120, CPFFile::SEEK_FROM_BEGIN));
+    EXPECT_TRUE(file.Write("end", 3));
+    EXPECT_EQ(5368709123, file.GetSize());
+    EXPECT_EQ(5368709120, file.Seek(-3, CPFFile::SEEK_FROM_END));
+    EXPECT_EQ("end", ReadAll(file));
+    EXPECT_TRUE(CPFFile::FileExist(path.c_str()));
+}
+
 TEST(PFFile, NeitherDirectoryLinkNorSocketExistsAsAFile)
 {
     const CTempDirectory directory;

@@ -125,7 +125,7 @@ TEST_F(QlxApiImageCommands, RefusalOfTheLimitsEndsTheChange)
     EXPECT_THAT(m_device.CallLog(), ElementsAre("GetImageCaps 1"));
     EXPECT_EQ(4, Code("GetImageConfig"));
     m_device.results.clear();
-    m_device.results["GetImageParam"] = NETNS::DEV_RET_NOT_SUPPORT;
+    m_device.results["GetImageParam"] = NETNS::DEV_RET_NOT_SUPPORTED;
     EXPECT_EQ(1, Code("SetImageConfig", Image("<bright>1</bright>")));
     EXPECT_EQ(1, Code("GetImageConfig"));
     EXPECT_EQ(0, m_device.Calls("SetImageParam"));

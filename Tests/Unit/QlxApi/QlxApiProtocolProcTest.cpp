@@ -383,6 +383,17 @@ TEST(QLXApiProcTime, SecondsAreWrittenAsLocalTime)
     tzset();
 }
 
+TEST(QLXApiProcTime, SecondsGoOnAfter2038)
+{
+    setenv("TZ", "UTC", 1);
+    tzset();
+    char text[CQLXApiProc::TIME_SIZE];
+    CQLXApiProc::Time2Str(2214131415, text);
+    EXPECT_STREQ("2040-02-29 12:30:15", text);
+    unsetenv("TZ");
+    tzset();
+}
+
 TEST(QLXApiProcTime, FieldsGoToTextAndBack)
 {
     NETNS::DEV_DATETIME time = {};

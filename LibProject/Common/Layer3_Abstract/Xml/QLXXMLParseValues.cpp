@@ -4,6 +4,7 @@
 #include "PFAssert.h"
 #include "SysHelper.h"
 
+#include <cstdint>
 #include <sstream>
 
 using tinyxml2::XMLElement;
@@ -41,15 +42,16 @@ bool ReadStr(const XMLElement* element, std::string& value)
     return element != nullptr;
 }
 
+// Read at 64 bits and cut: QueryIntText gives another result for a number beyond an int where `long` has 32 bits.
 bool ReadI32(const XMLElement* element, int& value)
 {
-    value = 0;
-    if (element == nullptr)
+    std::int64_t number = 0;
+    if (element != nullptr)
     {
-        return false;
+        element->QueryInt64Text(&number); // text that is no number leaves 0
     }
-    element->QueryIntText(&value); // text that is no number leaves 0
-    return true;
+    value = static_cast<int>(number);
+    return element != nullptr;
 }
 
 template <typename NUMBER>
@@ -78,13 +80,14 @@ bool ReadAttributeStr(const XMLElement* element, const std::string& name, std::s
 
 bool ReadAttributeI32(const XMLElement* element, const std::string& name, int& value)
 {
-    value = 0;
-    if (AttributeOf(element, name) == nullptr)
+    std::int64_t number = 0;
+    const bool isThere = AttributeOf(element, name) != nullptr;
+    if (isThere)
     {
-        return false;
+        element->QueryInt64Attribute(name.c_str(), &number);
     }
-    element->QueryIntAttribute(name.c_str(), &value);
-    return true;
+    value = static_cast<int>(number);
+    return isThere;
 }
 
 template <typename NUMBER>
