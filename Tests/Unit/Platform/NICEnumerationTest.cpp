@@ -219,7 +219,8 @@ TEST_F(NICEnumeration, RuleWithoutAWholeAddressGivesNone)
     EXPECT_THAT(MacOf(Find("eth0: 1\n").front()), testing::ElementsAre(0x00, 0x11, 0x22, 0x33, 0x44, 0x05));
     WriteRules("NAME=\"eth0\" ATTR{address}==\"00:11:22:33:44:5");
     EXPECT_THAT(MacOf(Find("eth0: 1\n").front()), testing::ElementsAre(0x02, 0, 0, 0, 0, 0xA0));
-    WriteRules("NAME=\"eth0\"\n");
+    // The first line with the name is the one.
+    WriteRules("NAME=\"eth0\"\nATTR{address}==\"00:11:22:33:44:55\", NAME=\"eth0\"\n");
     EXPECT_THAT(MacOf(Find("eth0: 1\n").front()), testing::ElementsAre(0x02, 0, 0, 0, 0, 0xA0));
 }
 

@@ -20,6 +20,7 @@ public:
     std::string called;
 
     bool HasCallback() const { return m_callback != nullptr; }
+    void* User() const { return m_user; }
     bool IsAutomatic() const { return m_isAutomatic; }
     int Interval() const { return m_interval; }
     int Searches() const { return m_searches; }
@@ -44,7 +45,9 @@ private:
 TEST(DevSearchBase, ManualSearchCallsTheEighthOperation)
 {
     CNotingSearch search;
-    EXPECT_EQ(1, search.Initial(OnResult, nullptr));
+    EXPECT_EQ(1, search.Initial(OnResult, &search));
+    EXPECT_TRUE(search.HasCallback());
+    EXPECT_EQ(&search, search.User());
     search.Search_Manual();
     EXPECT_EQ("8", search.called);
 }
