@@ -444,6 +444,18 @@ protected:
     }
 };
 
+TEST_F(RtspLinkTimeOut, OfASessionEndsItAndKnowsNoOtherKinds)
+{
+    for (const int type : {2, 4, 6})
+    {
+        const Client client = MakeClient();
+        for (const int other : {0, 1, 3, 8})
+            EXPECT_DEATH(client.session->HandleTimeOut(other), "") << other;
+        client.session->HandleTimeOut(type);
+        EXPECT_TRUE(IsEnded(client)) << type;
+    }
+}
+
 TEST_F(RtspLinkTimeOut, OfAUnicastLinkEndsItsSession)
 {
     const RTSP_STREAM_CFG config;

@@ -1,5 +1,8 @@
 #include "RTSP_SessionTexts.h"
 
+#include "FakeClock.h"
+#include "PubHelper.h"
+
 #include <cstring>
 #include <gtest/gtest.h>
 
@@ -18,6 +21,17 @@ TEST(RTSP_SessionTexts, ASessionIdIsFifteenDigits)
     MakeSessionId(id);
     EXPECT_EQ(15u, std::strspn(id, "0123456789"));
     EXPECT_NE('0', id[0]);
+}
+
+// The generator gives one number all through a millisecond, so the digits are alike but for the first.
+TEST(RTSP_SessionTexts, ASessionIdDoesNotBeginWithAZero)
+{
+    FakeClock clock;
+    while (PUB_Rand() % 10 != 0)
+        clock.Advance(1);
+    char id[16];
+    MakeSessionId(id);
+    EXPECT_STREQ("100000000000000", id);
 }
 
 TEST(RTSP_SessionTexts, TheLogShowsNoCredentials)
