@@ -401,6 +401,15 @@ TEST_F(OnvifEventCtrol, ReferenceOfAMessageWithoutATopicHoldsToo)
     EXPECT_THAT(m_host.Take(), ElementsAre(Call(token, "alarm-in 1 on")));
 }
 
+TEST_F(OnvifEventCtrol, ReferenceWithoutAHostFitsNobody)
+{
+    Watch(m_camera);
+    PushTo("", Message(MOTION_TOPIC, "true", "http:///onvif"));
+    PushTo("", Message(MOTION_TOPIC, "true", "http:///"));
+    Pass();
+    EXPECT_THAT(m_host.Take(), IsEmpty());
+}
+
 // An address that is no URL is compared as a whole.
 TEST_F(OnvifEventCtrol, ReferenceOfAnotherKindFitsAsItBegins)
 {
