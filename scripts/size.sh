@@ -10,9 +10,9 @@ GOAL=1572864 # 1.5 MiB of code and constants
 build=${1:-build/arm}
 strip=$(sed -n 's/^CMAKE_STRIP:[A-Z]*=//p' "$build/CMakeCache.txt")
 prefix=${strip%strip} # of the tools that the library was built with
-netserver=$(find "$build" -name libnetserver.a)
-netsocket=$(find "$build" -name libnetsocket.a)
-sharesdk=$(find "$build" -name libsharesdk.a)
+netserver=$build/Server/libnetserver.a
+netsocket=$build/LibProject/NetSocket/libnetsocket.a
+sharesdk=$build/LibProject/ShareSDK/libsharesdk.a
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
