@@ -37,11 +37,15 @@ def identifier(page):
     return "page_" + re.sub(r"\W", "_", str(page.relative_to(HERE).with_suffix("")))
 
 
+# What begins a command, a tag that is none of the few that pages use, or a word that shall be no link.
+COMMAND = re.compile(r"[@\\]|%(?=\w)|<(?=[A-Za-z])(?!(?:https?:|a |/a>|img |br>))")
+
+
 def prose(text, page, known):
     """What stands outside of code: links, and characters that begin a command."""
-    pieces = re.split(r"(`[^`]*`)", re.sub(r"(!?)\[([^\]]*)\]\(([^)]*)\)", link(page, known), text))
-    return "".join(piece if piece.startswith("`") else re.sub(r"(?<![\[(])@(?!ref )", r"\\@", piece)
-                   for piece in pieces)
+    pieces = re.split(r"(`[^`]*`)", text)
+    text = "".join(piece if piece.startswith("`") else COMMAND.sub(r"\\\g<0>", piece) for piece in pieces)
+    return re.sub(r"(!?)\[([^\]]*)\]\(([^)]*)\)", link(page, known), text)
 
 
 def prepared(page, known):
