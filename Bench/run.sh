@@ -11,6 +11,15 @@ SECONDS_EACH=${BENCH_SECONDS:-8}
 FPS=25
 HOST_PID=
 
+if [ ! -x "$BIN/netserver-bench-host" ]; then
+    echo "run.sh: no benchmarks in $BIN; 'make bench' builds and runs them" >&2
+    exit 1
+fi
+if ! command -v ffmpeg >/dev/null; then
+    echo "run.sh: ffmpeg is missing; 'make deps' installs it" >&2
+    exit 1
+fi
+
 mkdir -p "$OUT"
 rm -f "$OUT"/*.tsv
 

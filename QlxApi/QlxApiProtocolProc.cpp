@@ -32,7 +32,7 @@ const RESULT_ROW RESULTS[] = {
     {NETNS::DEV_RET_FAILED, QLX_API_ERR_DEV_FAILED},
     {NETNS::DEV_RET_NO_RIGHT, QLX_API_ERR_NO_RIGHT},
     {NETNS::DEV_RET_BAD_PARAM, QLX_API_ERR_BAD_PARAM},
-    {NETNS::DEV_RET_NOT_SUPPORT, QLX_API_ERR_NOT_SUPPORT},
+    {NETNS::DEV_RET_NOT_SUPPORTED, QLX_API_ERR_NOT_SUPPORT},
 };
 
 QLX_API_ERR CodeOf(NETNS::DEV_RET result)
@@ -191,11 +191,10 @@ bool CQLXApiProc::GetActionFromUrl(const std::string& url, std::string& action)
     return true;
 }
 
-void CQLXApiProc::Time2Str(long seconds, char* out)
+void CQLXApiProc::Time2Str(std::time_t seconds, char* out)
 {
-    const time_t time = seconds;
     tm fields = {};
-    localtime_r(&time, &fields);
+    localtime_r(&seconds, &fields);
     std::snprintf(out, TIME_SIZE, "%04d-%02d-%02d %02d:%02d:%02d", fields.tm_year + 1900, fields.tm_mon + 1,
                   fields.tm_mday, fields.tm_hour, fields.tm_min, fields.tm_sec);
 }

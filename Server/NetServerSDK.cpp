@@ -8,6 +8,7 @@
 #include "Policy.h"
 #include "RTSP_Manager.h"
 #include "RTSP_ManagerKey.h"
+#include "ShareSDK.h"
 #include "UpnpServer.h"
 
 #include <atomic>
@@ -17,6 +18,7 @@ namespace
 
 constexpr const char* UPNP_NAME = "MOKA";
 constexpr unsigned short UPNP_PORT = 33899;
+constexpr unsigned int QUIT_WAIT_MS = 5000;
 
 std::atomic<bool> s_announces{false}; ///< as the policy had it at NET_SERVER_Initial
 
@@ -134,6 +136,11 @@ int NET_SERVER_Stop()
 int NET_SERVER_Quit()
 {
     NET_SOCKET_Quit();
+    // The host may end its device now: the requests that are still inside of it come out first.
+    if (!CNetServer::AwaitRequests(QUIT_WAIT_MS))
+    {
+        SHARESDK_AbnormalOutput("a request is still inside the host", __FILE__, __LINE__);
+    }
     return 1;
 }
 

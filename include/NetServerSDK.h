@@ -128,7 +128,8 @@ int NET_SERVER_RTSPStop();
 /// @return 0
 int NET_SERVER_Stop();
 
-/// Ends the socket service with its threads and sockets; starting again needs NET_SERVER_Initial.
+/// Ends the socket service with its threads and sockets; starting again needs NET_SERVER_Initial. Requests that are
+/// inside the device come out first, for which it waits five seconds at most; called from inside a request it does not.
 /// @return 1
 int NET_SERVER_Quit();
 

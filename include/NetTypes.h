@@ -12,14 +12,14 @@ namespace NETNS
 {
 
 /// Result of nearly every host operation, and what clients of the XML API see of it. Any value not listed counts like
-/// DEV_RET_NOT_SUPPORT.
+/// DEV_RET_NOT_SUPPORTED.
 enum DEV_RET : std::uint32_t
 {
-    DEV_RET_OK = 0,          ///< done: status 200 with the document, or with the success document
-    DEV_RET_FAILED = 1,      ///< the device failed to do it: status 400 with errorCode 4
-    DEV_RET_NO_RIGHT = 2,    ///< unknown user, wrong password or missing right: status 401 with a Basic challenge
-    DEV_RET_BAD_PARAM = 3,   ///< a value in the request is not acceptable: status 400 with errorCode 3
-    DEV_RET_NOT_SUPPORT = 4, ///< the device has no such function: status 400 with errorCode 1
+    DEV_RET_OK = 0,            ///< done: status 200 with the document, or with the success document
+    DEV_RET_FAILED = 1,        ///< the device failed to do it: status 400 with errorCode 4
+    DEV_RET_NO_RIGHT = 2,      ///< unknown user, wrong password or missing right: status 401 with a Basic challenge
+    DEV_RET_BAD_PARAM = 3,     ///< a value in the request is not acceptable: status 400 with errorCode 3
+    DEV_RET_NOT_SUPPORTED = 4, ///< the device has no such function: status 400 with errorCode 1
 };
 
 /// Kind of device, for the network announcement. 0 is the value in use.

@@ -98,10 +98,12 @@ private:
     std::unique_ptr<CTalkSink> m_talk;
     std::unique_ptr<CCameraStreams> m_streams;
 
-    // The library's threads ask for key frames and change settings while the main thread replaces the pipeline. Taken
-    // behind the device's lock.
+    // The library's threads ask for key frames and change settings while the main thread replaces the pipeline, which
+    // takes both locks. A change of settings, which may set up an encoder anew, holds the first one alone: the RTSP
+    // scheduler, which takes the second one, does not wait for it. Order: the device's lock, the first, the second.
+    std::mutex m_mediaLife;
     std::mutex m_mediaLock;
-    std::unique_ptr<CMediaPipeline> m_media;
+    std::unique_ptr<CMediaPipeline> m_media; // null while there is none
 
     NETNS::DEV_PORT_INFO m_ports = {}; // that are served
     std::string m_rtspPortText;        // as web pages have it

@@ -2,10 +2,10 @@
 //
 // Sends the packets of a frame to N receivers on the loopback at a frame rate, in four ways, and prints the CPU time
 // for each packet. The receivers are a process of their own, so that only the sending side counts.
+#include "BenchOptions.h"
 #include "BenchTools.h"
 
 #include <arpa/inet.h>
-#include <getopt.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <netinet/udp.h>
@@ -21,7 +21,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -42,7 +41,7 @@ const char USAGE[] = "usage: netserver-bench-bareloop --way tcp-send|tcp-sendmsg
 
 struct Options
 {
-    const char* way = "";
+    std::string way;
     unsigned int clients = 128;
     unsigned int packets = 14; // of a frame
     unsigned int fps = 25;
@@ -153,11 +152,11 @@ const WayRow WAYS[] = {
     {"udp-gso", false, UdpSendFrame},
 };
 
-const WayRow* FindWay(const char* name)
+const WayRow* FindWay(const std::string& name)
 {
     for (const WayRow& row : WAYS)
     {
-        if (strcmp(row.name, name) == 0)
+        if (name == row.name)
             return &row;
     }
     return nullptr;
@@ -280,51 +279,17 @@ double Run(const Options& options, const WayRow& way, const std::vector<Receiver
 
 Options ReadOptions(int argc, char** argv)
 {
-    static const option OPTIONS[] = {
-        {"way", required_argument, nullptr, 'w'},
-        {"clients", required_argument, nullptr, 'c'},
-        {"packets", required_argument, nullptr, 'p'},
-        {"fps", required_argument, nullptr, 'f'},
-        {"seconds", required_argument, nullptr, 's'},
-        {"bytes", required_argument, nullptr, 'b'},
-        {nullptr, 0, nullptr, 0},
-    };
     Options options;
-    int letter = 0;
-    while ((letter = getopt_long(argc, argv, "", OPTIONS, nullptr)) != -1)
-    {
-        switch (letter)
-        {
-        case 'w':
-            options.way = optarg;
-            break;
-        case 'c':
-            options.clients = NumberOption("clients", optarg);
-            break;
-        case 'p':
-            options.packets = NumberOption("packets", optarg);
-            break;
-        case 'f':
-            options.fps = NumberOption("fps", optarg);
-            break;
-        case 's':
-            options.seconds = NumberOption("seconds", optarg);
-            break;
-        case 'b':
-            options.bytes = NumberOption("bytes", optarg);
-            break;
-        default:
-            options.way = "";
-            break;
-        }
-    }
-    const bool sane = options.packets - 1 < MAX_PACKETS_PER_FRAME && options.fps != 0 && options.clients != 0;
-    const bool known = FindWay(options.way) != nullptr || strcmp(options.way, "http") == 0;
-    if (!known || !sane)
-    {
-        fputs(USAGE, stderr);
-        exit(2);
-    }
+    BenchOptions line(USAGE);
+    line.Text("way", options.way)
+        .Number("clients", options.clients)
+        .Number("packets", options.packets)
+        .Number("fps", options.fps)
+        .Number("seconds", options.seconds)
+        .Number("bytes", options.bytes)
+        .Read(argc, argv);
+    line.Require(FindWay(options.way) != nullptr || options.way == "http");
+    line.Require(options.packets - 1 < MAX_PACKETS_PER_FRAME && options.fps != 0 && options.clients != 0);
     return options;
 }
 } // namespace
@@ -333,7 +298,7 @@ int main(int argc, char** argv)
 {
     const Options options = ReadOptions(argc, argv);
     RaiseDescriptorLimit();
-    if (strcmp(options.way, "http") == 0)
+    if (options.way == "http")
         ServeHttp(options);
     const WayRow& way = *FindWay(options.way);
     std::vector<Receiver> senders;

@@ -2,13 +2,13 @@
 //
 // The main thread waits for the end; one thread feeds the frames.
 #include "BenchDevice.h"
+#include "BenchOptions.h"
 #include "BenchTools.h"
 #include "FrameStamp.h"
 #include "H264File.h"
 #include "LocalPorts.h"
 #include "NetServerSDK.h"
 
-#include <getopt.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <unistd.h>
@@ -44,8 +44,8 @@ struct Options
 {
     std::string file;
     unsigned int fps = 25;
-    unsigned int httpPort = 0;
-    unsigned int rtspPort = 0;
+    unsigned short httpPort = 0;
+    unsigned short rtspPort = 0;
     bool audio = false;
     bool auth = true;
     bool compat = false;
@@ -159,58 +159,20 @@ private:
 
 Options ReadOptions(int argc, char** argv)
 {
-    static const option OPTIONS[] = {
-        {"file", required_argument, nullptr, 'f'},      {"fps", required_argument, nullptr, 'r'},
-        {"http-port", required_argument, nullptr, 'h'}, {"rtsp-port", required_argument, nullptr, 'p'},
-        {"audio", no_argument, nullptr, 'a'},           {"no-rtsp-auth", no_argument, nullptr, 'n'},
-        {"compat", no_argument, nullptr, 'c'},          {"announce", no_argument, nullptr, 'A'},
-        {"stamp", no_argument, nullptr, 's'},           {nullptr, 0, nullptr, 0},
-    };
     Options options;
-    int letter = 0;
-    while ((letter = getopt_long(argc, argv, "", OPTIONS, nullptr)) != -1)
-    {
-        switch (letter)
-        {
-        case 'f':
-            options.file = optarg;
-            break;
-        case 'r':
-            options.fps = NumberOption("fps", optarg);
-            break;
-        case 'h':
-            options.httpPort = NumberOption("http-port", optarg);
-            break;
-        case 'p':
-            options.rtspPort = NumberOption("rtsp-port", optarg);
-            break;
-        case 'a':
-            options.audio = true;
-            break;
-        case 'n':
-            options.auth = false;
-            break;
-        case 'c':
-            options.compat = true;
-            break;
-        case 'A':
-            options.announce = true;
-            break;
-        case 's':
-            options.stamp = true;
-            break;
-        default:
-            options.file.clear();
-            optind = argc;
-            break;
-        }
-    }
-    const bool portsFit = options.httpPort - 1 < 65535 && options.rtspPort - 1 < 65535;
-    if (options.file.empty() || !portsFit || options.fps == 0 || options.fps > 1000)
-    {
-        fputs(USAGE, stderr);
-        exit(2);
-    }
+    BenchOptions line(USAGE);
+    line.Text("file", options.file)
+        .Number("fps", options.fps)
+        .Number("http-port", options.httpPort)
+        .Number("rtsp-port", options.rtspPort)
+        .Switch("audio", options.audio)
+        .Switch("no-rtsp-auth", options.auth, false)
+        .Switch("compat", options.compat)
+        .Switch("announce", options.announce)
+        .Switch("stamp", options.stamp)
+        .Read(argc, argv);
+    line.Require(!options.file.empty() && options.httpPort != 0 && options.rtspPort != 0);
+    line.Require(options.fps != 0 && options.fps <= 1000);
     return options;
 }
 
@@ -248,8 +210,6 @@ int main(int argc, char** argv)
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     RaiseDescriptorLimit();
 
-    const auto httpPort = static_cast<unsigned short>(options.httpPort);
-    const auto rtspPort = static_cast<unsigned short>(options.rtspPort);
     Device device(options.auth);
     CDefaultStreams streams;
     const WebRoot webRoot;
@@ -257,15 +217,15 @@ int main(int argc, char** argv)
     NET_SERVER_SetPolicy((options.compat ? 0 : NET_POLICY_STANDARD_RTSP) |
                          (options.announce ? 0 : NET_POLICY_NO_ANNOUNCE));
     NET_SERVER_Initial(2, 2, 4, &device, &streams, "", "", 1, NETNS::DEV_TYPE_DEFAULT);
-    NET_SERVER_Start(httpPort, webRoot.Path(), configFile.c_str());
-    NET_SERVER_RTSPStart(rtspPort, &streams, &device);
+    NET_SERVER_Start(options.httpPort, webRoot.Path(), configFile.c_str());
+    NET_SERVER_RTSPStart(options.rtspPort, &streams, &device);
     NET_SERVER_SetLiveRTSPUrl(CHANNEL, STREAM, "/live/ch1/main");
     NET_SERVER_SetLiveRTSPUrl(SILENT_CHANNEL, STREAM, "/live/ch2/main");
-    WaitForPort(httpPort);
-    WaitForPort(rtspPort);
+    WaitForPort(options.httpPort);
+    WaitForPort(options.rtspPort);
     {
         const Feeder feeder(std::move(frames), options);
-        printf("ready http=%u rtsp=%u\n", httpPort, rtspPort);
+        printf("ready http=%u rtsp=%u\n", options.httpPort, options.rtspPort);
         fflush(stdout);
         int signal = 0;
         sigwait(&signals, &signal);

@@ -5,6 +5,7 @@
 // answer of its pull point tells. This process is the NVR: it logs in, watches, and takes the time at the observer's
 // call.
 #include "AlarmStateObserver.h"
+#include "BenchOptions.h"
 #include "BenchTools.h"
 #include "OnvifDeviceSimulator.h"
 #include "OnvifNotification.h"
@@ -12,7 +13,6 @@
 #include "ShareSDK.h"
 
 #include <arpa/inet.h>
-#include <getopt.h>
 #include <netinet/in.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
@@ -64,40 +64,15 @@ struct Shared
 
 Options ReadOptions(int argc, char** argv)
 {
-    static const option OPTIONS[] = {
-        {"mode", required_argument, nullptr, 'm'},
-        {"cameras", required_argument, nullptr, 'c'},
-        {"seconds", required_argument, nullptr, 's'},
-        {"unreachable", required_argument, nullptr, 'v'},
-        {nullptr, 0, nullptr, 0},
-    };
     Options options;
-    int letter = 0;
-    while ((letter = getopt_long(argc, argv, "", OPTIONS, nullptr)) != -1)
-    {
-        switch (letter)
-        {
-        case 'm':
-            options.mode = optarg;
-            break;
-        case 'c':
-            options.cameras = NumberOption("cameras", optarg);
-            break;
-        case 's':
-            options.seconds = NumberOption("seconds", optarg);
-            break;
-        case 'v':
-            options.unreachable = NumberOption("unreachable", optarg);
-            break;
-        default:
-            options.mode.clear();
-        }
-    }
-    if ((options.mode != "push" && options.mode != "pull") || options.cameras + options.unreachable > CAMERAS_MAX)
-    {
-        std::fputs(USAGE, stderr);
-        std::exit(2);
-    }
+    BenchOptions line(USAGE);
+    line.Text("mode", options.mode)
+        .Number("cameras", options.cameras)
+        .Number("seconds", options.seconds)
+        .Number("unreachable", options.unreachable)
+        .Read(argc, argv);
+    line.Require(options.mode == "push" || options.mode == "pull");
+    line.Require(options.cameras <= CAMERAS_MAX && options.unreachable <= CAMERAS_MAX - options.cameras);
     return options;
 }
 
@@ -136,6 +111,25 @@ bool Post(const std::string& to, bool state)
     return !PostOnvifNotification(NOTIFICATION_PORT, notification).empty();
 }
 
+/// Lets a camera see the other state, or tell it.
+void Change(const Options& options, OnvifDeviceSimulator& camera, unsigned int index, std::uint64_t round,
+            Shared& shared)
+{
+    const bool state = round % 2 == 0;
+    camera.Forget(); // it would note every request for as long as this runs
+    shared.changedNs[index][round % ROUNDS_KEPT] = NowNs();
+    shared.rounds[index] = round + 1;
+    ++shared.changes;
+    if (options.mode == "push")
+    {
+        Require(Post(camera.Value("subscribe.consumer"), state), "a notification could not be posted");
+    }
+    else
+    {
+        camera.SetValue("motion", state ? "true" : "false");
+    }
+}
+
 /// The cameras' process.
 [[noreturn]] void RunCameras(const Options& options, Shared& shared)
 {
@@ -164,22 +158,10 @@ bool Post(const std::string& to, bool state)
     const std::uint64_t beginNs = NowNs();
     for (std::uint64_t round = 0;; ++round)
     {
-        const bool state = round % 2 == 0;
         for (unsigned int i = 0; i < options.cameras; ++i)
         {
             SleepUntilNs(beginNs + round * SECOND_NS + i * SECOND_NS / options.cameras);
-            cameras[i]->Forget(); // it would note every request for as long as this runs
-            shared.changedNs[i][round % ROUNDS_KEPT] = NowNs();
-            shared.rounds[i] = round + 1;
-            ++shared.changes;
-            if (options.mode == "push")
-            {
-                Require(Post(cameras[i]->Value("subscribe.consumer"), state), "a notification could not be posted");
-            }
-            else
-            {
-                cameras[i]->SetValue("motion", state ? "true" : "false");
-            }
+            Change(options, *cameras[i], i, round, shared);
         }
     }
 }
@@ -237,14 +219,9 @@ private:
     std::vector<double> m_latenciesMs;
 };
 
-} // namespace
-
-int main(int argc, char** argv)
+/// @return the cameras' process
+pid_t StartCameras(const Options& options, Shared& shared)
 {
-    const Options options = ReadOptions(argc, argv);
-    void* const memory = mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    Require(memory != MAP_FAILED, "no shared memory");
-    Shared& shared = *new (memory) Shared{};
     const pid_t cameras = fork();
     Require(cameras != -1, "no process for the cameras");
     if (cameras == 0)
@@ -255,10 +232,12 @@ int main(int argc, char** argv)
     {
         usleep(1000);
     }
+    return cameras;
+}
 
-    SHARESDK_SetLogLevel(SHARESDK_LOG_NONE);
-    ONVIF_CLIENT_Initial();
-    CTimingObserver observer(shared, options.mode == "push");
+/// @return the tokens of all cameras, which are observed
+std::vector<unsigned int> LogIn(const Options& options, Shared& shared, CTimingObserver& observer)
+{
     std::vector<unsigned int> tokens;
     for (unsigned int i = 0; i < options.cameras + options.unreachable; ++i)
     {
@@ -270,6 +249,11 @@ int main(int argc, char** argv)
         tokens.push_back(token);
         ONVIF_CLIENT_AddAlarmStateObserver(token, &observer);
     }
+    return tokens;
+}
+
+void Measure(const Options& options, Shared& shared, CTimingObserver& observer)
+{
     shared.go = true;
     sleep(3); // the first states are told
     observer.Take();
@@ -291,6 +275,23 @@ int main(int argc, char** argv)
     PrintFigure("cpu_cores", usedUs / 1e6 / options.seconds);
     PrintFigure("resident_kb_before", static_cast<double>(residentKb));
     PrintFigure("resident_kb_after", static_cast<double>(ResidentKb(getpid())));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Options options = ReadOptions(argc, argv);
+    void* const memory = mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    Require(memory != MAP_FAILED, "no shared memory");
+    Shared& shared = *new (memory) Shared{};
+    const pid_t cameras = StartCameras(options, shared);
+
+    SHARESDK_SetLogLevel(SHARESDK_LOG_NONE);
+    ONVIF_CLIENT_Initial();
+    CTimingObserver observer(shared, options.mode == "push");
+    const std::vector<unsigned int> tokens = LogIn(options, shared, observer);
+    Measure(options, shared, observer);
 
     kill(cameras, SIGKILL);
     waitpid(cameras, nullptr, 0);

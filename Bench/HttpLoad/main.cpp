@@ -1,8 +1,8 @@
 // netserver-bench-httpload: HTTP clients in one thread, one request per connection.
+#include "BenchOptions.h"
 #include "BenchTools.h"
 
 #include <arpa/inet.h>
-#include <getopt.h>
 #include <netinet/in.h>
 #include <sys/epoll.h>
 #include <sys/socket.h>
@@ -10,7 +10,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -18,8 +17,8 @@
 namespace
 {
 const char USAGE[] = "usage: netserver-bench-httpload --port N (--path PATH | --mix) [--clients N] [--seconds N]\n"
-                     "  --mix  reads and writes of the XML API in turn, in place of one path\n"
-                     "                                [--server-pid PID] [--basic BASE64]\n";
+                     "                                [--server-pid PID] [--basic BASE64]\n"
+                     "  --mix  reads and writes of the XML API in turn, in place of one path\n";
 
 struct Options
 {
@@ -181,53 +180,17 @@ private:
 
 Options ReadOptions(int argc, char** argv)
 {
-    static const option OPTIONS[] = {
-        {"port", required_argument, nullptr, 'p'},
-        {"path", required_argument, nullptr, 'u'},
-        {"mix", no_argument, nullptr, 'm'},
-        {"clients", required_argument, nullptr, 'c'},
-        {"seconds", required_argument, nullptr, 's'},
-        {"basic", required_argument, nullptr, 'b'},
-        {"server-pid", required_argument, nullptr, 'x'},
-        {nullptr, 0, nullptr, 0},
-    };
     Options options;
-    int letter = 0;
-    while ((letter = getopt_long(argc, argv, "", OPTIONS, nullptr)) != -1)
-    {
-        switch (letter)
-        {
-        case 'p':
-            options.port = static_cast<unsigned short>(NumberOption("port", optarg));
-            break;
-        case 'u':
-            options.path = optarg;
-            break;
-        case 'm':
-            options.mix = true;
-            break;
-        case 'c':
-            options.clients = NumberOption("clients", optarg);
-            break;
-        case 's':
-            options.seconds = NumberOption("seconds", optarg);
-            break;
-        case 'b':
-            options.basic = optarg;
-            break;
-        case 'x':
-            options.serverPid = static_cast<pid_t>(NumberOption("server-pid", optarg));
-            break;
-        default:
-            options.port = 0;
-            break;
-        }
-    }
-    if (options.port == 0 || options.path.empty() != options.mix || options.clients == 0)
-    {
-        fputs(USAGE, stderr);
-        exit(2);
-    }
+    BenchOptions line(USAGE);
+    line.Number("port", options.port)
+        .Text("path", options.path)
+        .Switch("mix", options.mix)
+        .Number("clients", options.clients)
+        .Number("seconds", options.seconds)
+        .Text("basic", options.basic)
+        .Number("server-pid", options.serverPid)
+        .Read(argc, argv);
+    line.Require(options.port != 0 && options.path.empty() == options.mix && options.clients != 0);
     return options;
 }
 } // namespace

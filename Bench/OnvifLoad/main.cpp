@@ -1,9 +1,5 @@
 // netserver-bench-onvif: the ONVIF client against simulated cameras of this process, over loopback.
-//
-// netserver-bench-onvif --mode logins|clients [--count N] [--clients N] [--seconds N]
-//   logins   N logins in a row: time and CPU of each on the calling thread, memory before and after
-//   clients  N threads with a login each at cameras of their own, which move and read for so many seconds
-// Prints name<TAB>value lines.
+#include "BenchOptions.h"
 #include "BenchTools.h"
 #include "OnvifDeviceSimulator.h"
 #include "OnvifSDK.h"
@@ -11,9 +7,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstring>
 #include <ctime>
-#include <map>
 #include <memory>
 #include <string>
 #include <thread>
@@ -22,6 +16,19 @@
 
 namespace
 {
+
+const char USAGE[] =
+    "usage: netserver-bench-onvif --mode logins|clients [--count N] [--clients N] [--seconds N]\n"
+    "  logins   N logins in a row: time and CPU of each on the calling thread, memory before and after\n"
+    "  clients  N threads with a login each at cameras of their own, which move and read for so many seconds\n";
+
+struct Options
+{
+    std::string mode = "logins";
+    unsigned int count = 200;
+    unsigned int clients = 64;
+    unsigned int seconds = 30;
+};
 
 constexpr unsigned int NEW_LOGIN = 0xFFFFFFFF;
 constexpr unsigned int NO_LOGIN = 0xFFFFFFFF;
@@ -185,27 +192,33 @@ void Clients(unsigned int clients, unsigned int seconds)
     PrintFigure("resident_kb_most", static_cast<double>(most));
 }
 
+Options ReadOptions(int argc, char** argv)
+{
+    Options options;
+    BenchOptions line(USAGE);
+    line.Text("mode", options.mode)
+        .Number("count", options.count)
+        .Number("clients", options.clients)
+        .Number("seconds", options.seconds)
+        .Read(argc, argv);
+    line.Require(options.mode == "logins" || options.mode == "clients");
+    return options;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    std::map<std::string, std::string> options = {
-        {"--mode", "logins"}, {"--count", "200"}, {"--clients", "64"}, {"--seconds", "30"}};
-    for (int i = 1; i + 1 < argc; i += 2)
-    {
-        Require(options.count(argv[i]) != 0, "known option");
-        options[argv[i]] = argv[i + 1];
-    }
+    const Options options = ReadOptions(argc, argv);
     SHARESDK_SetLogLevel(SHARESDK_LOG_NONE);
     ONVIF_CLIENT_Initial();
-    if (options["--mode"] == "clients")
+    if (options.mode == "clients")
     {
-        Clients(NumberOption("--clients", options["--clients"].c_str()),
-                NumberOption("--seconds", options["--seconds"].c_str()));
+        Clients(options.clients, options.seconds);
     }
     else
     {
-        Logins(NumberOption("--count", options["--count"].c_str()));
+        Logins(options.count);
     }
     ONVIF_CLIENT_Quit();
     return 0;

@@ -1,15 +1,13 @@
 // netserver-bench-rtspload: RTSP clients in one thread, and what they see of the server.
+#include "BenchOptions.h"
 #include "BenchTools.h"
 #include "RtspClient.h"
 
-#include <getopt.h>
 #include <sys/epoll.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <thread>
@@ -216,53 +214,45 @@ void Stalled(const Options& options)
     PrintFigure("describes_that_waited", waits);
 }
 
+const struct ModeRow
+{
+    const char* name;
+    void (*run)(const Options& options);
+} MODES[] = {
+    {"load", Load},
+    {"latency", Load},
+    {"memory", Memory},
+    {"stalled", Stalled},
+};
+
+const ModeRow* FindMode(const std::string& name)
+{
+    for (const ModeRow& row : MODES)
+    {
+        if (name == row.name)
+            return &row;
+    }
+    return nullptr;
+}
+
 Options ReadOptions(int argc, char** argv)
 {
-    static const option OPTIONS[] = {
-        {"mode", required_argument, nullptr, 'm'},       {"port", required_argument, nullptr, 'p'},
-        {"path", required_argument, nullptr, 'u'},       {"transport", required_argument, nullptr, 't'},
-        {"clients", required_argument, nullptr, 'c'},    {"idle", required_argument, nullptr, 'i'},
-        {"seconds", required_argument, nullptr, 's'},    {"fps", required_argument, nullptr, 'f'},
-        {"server-pid", required_argument, nullptr, 'x'}, {nullptr, 0, nullptr, 0},
-    };
     Options options;
-    int letter = 0;
-    while ((letter = getopt_long(argc, argv, "", OPTIONS, nullptr)) != -1)
-    {
-        switch (letter)
-        {
-        case 'm':
-            options.mode = optarg;
-            break;
-        case 'p':
-            options.server.port = static_cast<unsigned short>(NumberOption("port", optarg));
-            break;
-        case 'u':
-            options.server.path = optarg;
-            break;
-        case 't':
-            options.transport = strcmp(optarg, "udp") == 0 ? Transport::Udp : Transport::Tcp;
-            break;
-        case 'c':
-            options.clients = NumberOption("clients", optarg);
-            break;
-        case 'i':
-            options.idle = NumberOption("idle", optarg);
-            break;
-        case 's':
-            options.seconds = NumberOption("seconds", optarg);
-            break;
-        case 'f':
-            options.fps = NumberOption("fps", optarg);
-            break;
-        case 'x':
-            options.serverPid = static_cast<pid_t>(NumberOption("server-pid", optarg));
-            break;
-        default:
-            fputs(USAGE, stderr);
-            exit(2);
-        }
-    }
+    std::string transport = "tcp";
+    BenchOptions line(USAGE);
+    line.Text("mode", options.mode)
+        .Number("port", options.server.port)
+        .Text("path", options.server.path)
+        .Text("transport", transport)
+        .Number("clients", options.clients)
+        .Number("idle", options.idle)
+        .Number("seconds", options.seconds)
+        .Number("fps", options.fps)
+        .Number("server-pid", options.serverPid)
+        .Read(argc, argv);
+    line.Require(FindMode(options.mode) != nullptr && (transport == "tcp" || transport == "udp"));
+    line.Require(options.server.port != 0 && options.fps != 0);
+    options.transport = transport == "udp" ? Transport::Udp : Transport::Tcp;
     return options;
 }
 } // namespace
@@ -271,15 +261,6 @@ int main(int argc, char** argv)
 {
     const Options options = ReadOptions(argc, argv);
     RaiseDescriptorLimit();
-    if (options.server.port != 0 && options.fps != 0)
-    {
-        if (options.mode == "load" || options.mode == "latency")
-            return Load(options), 0;
-        if (options.mode == "memory")
-            return Memory(options), 0;
-        if (options.mode == "stalled")
-            return Stalled(options), 0;
-    }
-    fputs(USAGE, stderr);
-    return 2;
+    FindMode(options.mode)->run(options);
+    return 0;
 }

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -120,14 +119,4 @@ void Require(bool condition, const char* what)
         return;
     fprintf(stderr, "%s: %s\n", what, strerror(errno));
     exit(1);
-}
-
-unsigned int NumberOption(const char* name, const char* text)
-{
-    char* end = nullptr;
-    const unsigned long value = strtoul(text, &end, 10);
-    if (*text != '\0' && *end == '\0' && value <= UINT_MAX)
-        return static_cast<unsigned int>(value);
-    fprintf(stderr, "--%s needs a number, not '%s'\n", name, text);
-    exit(2);
 }

@@ -34,6 +34,3 @@ void PrintFigure(const char* name, double value);
 
 /// Ends the program with a message when a call of the benchmark's own fails.
 void Require(bool condition, const char* what);
-
-/// The number of an option; ends the program when it is none.
-unsigned int NumberOption(const char* name, const char* text);

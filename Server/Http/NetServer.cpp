@@ -3,6 +3,7 @@
 #include "HttpDataPacket.h"
 #include "HttpExchange.h"
 #include "HttpProtocolAnalyse.h"
+#include "MyEvent.h"
 #include "NetServerConfig.h"
 #include "NetServerDataProc.h"
 #include "ShareSDK.h"
@@ -15,6 +16,52 @@ namespace
 constexpr int POOL_THREADS = 2;
 constexpr int MAX_POOL_THREADS = 4;
 constexpr HTTP_READ_LIMITS READ_LIMITS = {HTTP_READ_BYTES_MAX, CNetServer::READ_BUDGET_MS};
+
+/// The tasks that workers are inside of. Any thread.
+class CRunningTasks
+{
+public:
+    static CRunningTasks& Instance()
+    {
+        // Never destroyed: workers may still be in it when the process ends.
+        static CRunningTasks& tasks = *new CRunningTasks;
+        return tasks;
+    }
+
+    void Begin()
+    {
+        const CMySingleLock lock(m_lock);
+        if (m_count++ == 0)
+        {
+            m_none.ResetEvent();
+        }
+        s_isInside = true;
+    }
+    void End()
+    {
+        const CMySingleLock lock(m_lock);
+        s_isInside = false;
+        if (--m_count == 0)
+        {
+            m_none.SetEvent();
+        }
+    }
+    bool AwaitNone(unsigned int limitMs) const
+    {
+        return !s_isInside && m_none.WaitEvent(limitMs) == CMyEvent::EVENT_SET;
+    }
+
+private:
+    CRunningTasks() { m_none.SetEvent(); }
+
+    static thread_local bool s_isInside; ///< the calling thread is a worker in a task
+
+    CLock m_lock; ///< in front of the event's
+    int m_count GUARDED_BY(m_lock) = 0;
+    CMyEvent m_none{true};
+};
+
+thread_local bool CRunningTasks::s_isInside = false;
 
 } // namespace
 
@@ -90,7 +137,14 @@ void CNetServer::OnAcceptCreateSocket(int handle, unsigned short /*port*/, unsig
 
 void CNetServer::LinkProc(void* server)
 {
+    CRunningTasks::Instance().Begin();
     static_cast<CNetServer*>(server)->LinkProc();
+    CRunningTasks::Instance().End();
+}
+
+bool CNetServer::AwaitRequests(unsigned int limitMs)
+{
+    return CRunningTasks::Instance().AwaitNone(limitMs);
 }
 
 /// A task says only that some connection waits, not which.

@@ -38,6 +38,10 @@ public:
     int SetHttpPort(unsigned short port); ///< @return 1
     int Quit();                           ///< ends the workers too. @return 1
 
+    /// Waits until no worker is inside a request, and so inside the host. Not for a worker, which is itself in one.
+    /// @return false when the time has passed, and at once on a worker
+    static bool AwaitRequests(unsigned int limitMs);
+
     void OnAcceptCreateSocket(int handle, unsigned short port, unsigned int address) override;
 
 private:

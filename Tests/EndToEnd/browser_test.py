@@ -52,6 +52,40 @@ class Page(unittest.TestCase):
         self.browser.click("#live-key")
         self.browser.wait("document.getElementById('status').textContent.includes('key frame')")
 
+    def test_one_loop_asks_for_pictures_however_often_a_view_is_left_and_paused(self):
+        self.browser.run("""(() => {
+            const fetched = window.fetch;
+            window.pictures = {begun: 0, open: 0, most: 0};
+            window.fetch = async (...request) => {
+                const isPicture = String(request[0]).includes("GetSnapshot");
+                if (isPicture) {
+                    pictures.begun++;
+                    pictures.most = Math.max(pictures.most, ++pictures.open);
+                }
+                try {
+                    return await fetched(...request);
+                } finally {
+                    pictures.open -= isPicture;
+                }
+            };
+        })()""")
+        for view, again in (("live", "byId('live-pause').click()"), ("ptz", "location.hash += 'x'; history.back()")):
+            self.browser.view("system")
+            self.browser.run("document.querySelector('nav a[href=\"#/%s\"]').click()" % view)
+            for _ in range(6):
+                self.browser.run(again)
+            self.browser.view(view)
+            self.pictures(5)  # what was under way before comes to its end
+            self.browser.run("pictures.most = 0")
+            self.pictures(5)
+            self.assertEqual(1, self.browser.run("pictures.most"), view)
+        self.browser.run("location.reload()")
+        self.browser.wait("!window.pictures && document.body.dataset.loaded")
+
+    def pictures(self, count):
+        begun = self.browser.run("pictures.begun")
+        self.browser.wait("pictures.begun >= %d" % (begun + count))
+
     def test_brightness_is_seen_in_the_next_snapshot(self):
         self.browser.view("image")
         self.assertEqual("100", self.browser.run("document.querySelector(\"%s\").max" % (FIELD % ("image-form", "image/bright"))))

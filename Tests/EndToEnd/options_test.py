@@ -1,10 +1,12 @@
 """The command line, the start and the end of the camera."""
 
+import http.client
 import os
 import signal
 import socket
 import subprocess
 import tempfile
+import threading
 import time
 import unittest
 
@@ -38,6 +40,30 @@ class Ending(unittest.TestCase):
 
     def test_sigint_ends_it_within_two_seconds(self):
         self.check(signal.SIGINT)
+
+    def test_clients_that_wait_for_pictures_do_not_delay_the_end(self):
+        with Camera(*SMALL) as camera:
+            served = threading.Semaphore(0)
+            clients = [threading.Thread(target=self.ask_for_pictures, args=(camera, served)) for _ in range(8)]
+            for client in clients:
+                client.start()
+            for _ in range(2 * len(clients)):
+                self.assertTrue(served.acquire(timeout=20))
+            status, seconds, _ = camera.stop(signal.SIGTERM)
+            for client in clients:
+                client.join()
+            self.assertEqual(0, status, camera.log())
+            self.assertLess(seconds, 2)
+
+    @staticmethod
+    def ask_for_pictures(camera, served):
+        """One behind the other, until the camera is gone."""
+        try:
+            while True:
+                camera.get("GetSnapshot")
+                served.release()
+        except (OSError, http.client.HTTPException):
+            pass
 
 
 class Arguments(unittest.TestCase):

@@ -103,7 +103,8 @@ DEV_RET CCameraDevice::Apply(DEV_RET checked, SettingsTopic topic, const Change&
     }
     if (!m_parts.store.Save(topic, changed))
     {
-        Say("a setting could not be stored and stays as it was");
+        Say("a setting could not be stored and stays as it was; check the free space in the data directory, and its "
+            "rights");
         return DEV_RET_FAILED;
     }
     m_settings = changed;
@@ -174,7 +175,7 @@ DEV_RET CCameraDevice::SetTimeConfig(const char* verify, const DEV_TIME_CONFIG* 
 DEV_RET CCameraDevice::SetDateTime(const char* verify, const DEV_DATETIME* /*time*/)
 {
     const DEV_RET checked = CheckUser(verify);
-    return checked == DEV_RET_OK ? DEV_RET_NOT_SUPPORT : checked;
+    return checked == DEV_RET_OK ? DEV_RET_NOT_SUPPORTED : checked;
 }
 
 bool CCameraDevice::NeedAuthorization()

@@ -203,7 +203,7 @@ DEV_RET CCameraDevice::ProcHttpData(const char* message, int len, char*& body, i
     if (!request.isControl)
     {
         status = 404;
-        return DEV_RET_NOT_SUPPORT;
+        return DEV_RET_NOT_SUPPORTED;
     }
     if (!m_parts.users.IsKnown(request.user, request.password))
     {

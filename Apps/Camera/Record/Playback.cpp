@@ -5,8 +5,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <iterator>
+#include <system_error>
 #include <utility>
-#include <vector>
 
 namespace
 {
@@ -36,12 +37,17 @@ CPlayback::CPlayback(CRecordIndex& index, std::int64_t fromUs, std::int64_t toUs
 
 CPlayback::~CPlayback()
 {
+    Stop();
+    m_thread.join();
+}
+
+void CPlayback::Stop()
+{
     {
         const std::lock_guard<std::mutex> guard(m_lock);
         m_stopping = true;
     }
     m_wake.notify_all();
-    m_thread.join();
 }
 
 void CPlayback::Run()
@@ -68,11 +74,11 @@ void CPlayback::Describe()
     {
         if (frame.kind == RecordedKind::Audio)
         {
-            m_feed(m_handle, frame);
+            Feed(frame);
             break;
         }
     }
-    m_feed(m_handle, picture);
+    Feed(picture);
 }
 
 void CPlayback::Play()
@@ -92,7 +98,7 @@ void CPlayback::Play()
             {
                 return;
             }
-            m_feed(m_handle, frame);
+            Feed(frame);
         }
     }
 }
@@ -113,6 +119,16 @@ bool CPlayback::AwaitTurn(RecordedFrame& frame)
     return Wait(frame.timeUs + m_paceUs - NowUs());
 }
 
+/// The lock is held meanwhile, so that nothing comes behind a stop; the library copies the frame and calls nobody.
+void CPlayback::Feed(const RecordedFrame& frame)
+{
+    const std::lock_guard<std::mutex> guard(m_lock);
+    if (!m_stopping)
+    {
+        m_feed(m_handle, frame);
+    }
+}
+
 /// @return false when the playback shall end
 bool CPlayback::Wait(std::int64_t us)
 {
@@ -128,52 +144,69 @@ CPlaybacks::CPlaybacks(CRecordIndex& index, PlaybackFeed feed)
 
 unsigned int CPlaybacks::Open(std::int64_t fromUs, unsigned int seconds)
 {
-    Sweep();
-    std::unique_ptr<CPlayback> oldest; // its client may have left without a word
     const std::lock_guard<std::mutex> guard(m_lock);
+    RetireEnded();
+    if (m_retired.size() >= MAX_PLAYBACKS)
+    {
+        return 0; // as many hang at the disk
+    }
     if (m_playbacks.size() >= MAX_PLAYBACKS)
     {
-        oldest = std::move(m_playbacks.begin()->second);
-        m_playbacks.erase(m_playbacks.begin());
+        Retire(m_playbacks.begin()); // its client may have left without a word
     }
-    const unsigned int handle = m_nextHandle++;
-    m_playbacks[handle] = std::make_unique<CPlayback>(m_index, fromUs, fromUs + seconds * SECOND_US, handle, m_feed);
-    return handle;
+    const std::int64_t toUs = fromUs + seconds * SECOND_US;
+    try
+    {
+        m_playbacks[m_nextHandle] = std::make_unique<CPlayback>(m_index, fromUs, toUs, m_nextHandle, m_feed);
+    }
+    catch (const std::system_error&)
+    {
+        m_playbacks.erase(m_nextHandle);
+        return 0; // no thread is left
+    }
+    return m_nextHandle++;
 }
 
 void CPlaybacks::Close(unsigned int handle)
 {
-    std::unique_ptr<CPlayback> ending; // outside of the lock: its thread is waited for
     const std::lock_guard<std::mutex> guard(m_lock);
     const auto found = m_playbacks.find(handle);
     if (found != m_playbacks.end())
     {
-        ending = std::move(found->second);
-        m_playbacks.erase(found);
+        Retire(found);
     }
 }
 
 void CPlaybacks::CloseAll()
 {
-    std::map<unsigned int, std::unique_ptr<CPlayback>> ending;
+    Playbacks ending; // these two outside of the lock: their threads are waited for
+    Retired ended;
     const std::lock_guard<std::mutex> guard(m_lock);
     ending.swap(m_playbacks);
+    ended.swap(m_retired);
 }
 
 void CPlaybacks::Sweep()
 {
-    std::vector<std::unique_ptr<CPlayback>> ended;
+    Retired ended; // outside of the lock: their threads are waited for
     const std::lock_guard<std::mutex> guard(m_lock);
+    RetireEnded();
+    ended.swap(m_retired);
+}
+
+/// The lock is held. @return the next playback
+CPlaybacks::Playbacks::iterator CPlaybacks::Retire(Playbacks::iterator at)
+{
+    at->second->Stop();
+    m_retired.push_back(std::move(at->second));
+    return m_playbacks.erase(at);
+}
+
+/// The lock is held.
+void CPlaybacks::RetireEnded()
+{
     for (auto at = m_playbacks.begin(); at != m_playbacks.end();)
     {
-        if (at->second->HasEnded())
-        {
-            ended.push_back(std::move(at->second));
-            at = m_playbacks.erase(at);
-        }
-        else
-        {
-            ++at;
-        }
+        at = at->second->HasEnded() ? Retire(at) : std::next(at);
     }
 }

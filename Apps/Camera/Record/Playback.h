@@ -12,6 +12,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 /// Gets each frame when its time has come; on the playback's thread.
 using PlaybackFeed = std::function<void(unsigned int handle, const RecordedFrame& frame)>;
@@ -28,6 +29,9 @@ public:
     CPlayback(CRecordIndex& index, std::int64_t fromUs, std::int64_t toUs, unsigned int handle, PlaybackFeed feed);
     ~CPlayback();
 
+    /// Nothing is fed any more once it returns. It does not wait for the thread, which may wait for the disk.
+    void Stop();
+
     bool HasEnded() const { return m_ended; }
 
 private:
@@ -35,6 +39,7 @@ private:
     void Describe();
     void Play();
     bool AwaitTurn(RecordedFrame& frame);
+    void Feed(const RecordedFrame& frame);
     bool Wait(std::int64_t us);
 
     CRecordIndex& m_index;
@@ -55,26 +60,36 @@ private:
     std::thread m_thread; // last: it uses all of the above
 };
 
-/// All that is being played. Called on the RTSP scheduler thread: nothing here waits for the disk.
+/// All that is being played. Open and Close are called on the RTSP scheduler thread and do not wait for the disk; the
+/// rest is called on the main thread.
 class CPlaybacks
 {
 public:
     /// @param index  borrowed for the life of the playbacks
     CPlaybacks(CRecordIndex& index, PlaybackFeed feed);
 
-    /// @return the handle under which it is fed. Of more than sixteen playbacks the oldest ends.
+    /// @return the handle under which it is fed, 0 while no thread is left or too many that were closed hang at the
+    /// disk. Of more than sixteen playbacks the oldest ends.
     unsigned int Open(std::int64_t fromUs, unsigned int seconds);
+    /// Nothing is fed any more once it returns.
     void Close(unsigned int handle);
     void CloseAll();
 
-    /// Forgets those that have come to their end. Called now and then on the main thread.
+    /// Frees what was closed or has come to its end. Called several times a second.
     void Sweep();
 
 private:
+    using Playbacks = std::map<unsigned int, std::unique_ptr<CPlayback>>;
+    using Retired = std::vector<std::unique_ptr<CPlayback>>;
+
+    Playbacks::iterator Retire(Playbacks::iterator at);
+    void RetireEnded();
+
     CRecordIndex& m_index;
     const PlaybackFeed m_feed;
 
-    std::mutex m_lock;
-    std::map<unsigned int, std::unique_ptr<CPlayback>> m_playbacks;
+    std::mutex m_lock; // in front of a playback's
+    Playbacks m_playbacks;
+    Retired m_retired; // stopped; their threads have not been waited for yet
     unsigned int m_nextHandle;
 };

@@ -188,13 +188,12 @@ bool CRecordIndex::RemoveOldest()
         }
         oldest = ReadRow(row);
     }
-    Remove(oldest);
-    return true;
+    return Remove(oldest);
 }
 
 /// The file first: a row without a file is found and removed, a file without a row would stay for ever.
-void CRecordIndex::Remove(const RecordSegment& segment)
+bool CRecordIndex::Remove(const RecordSegment& segment)
 {
     unlink(segment.path.c_str());
-    m_database.Prepare("DELETE FROM segment WHERE id = ?").Bind(segment.id).Run();
+    return m_database.Prepare("DELETE FROM segment WHERE id = ?").Bind(segment.id).Run();
 }

@@ -54,12 +54,12 @@ public:
 
     std::uint64_t TotalBytes();
 
-    /// Removes the oldest complete segment with its file. @return false when there is none
+    /// Removes the oldest complete segment with its file. @return false when there is none, or it stays in the index
     bool RemoveOldest();
 
 private:
     void Recover();
-    void Remove(const RecordSegment& segment);
+    bool Remove(const RecordSegment& segment);
     std::string PathOf(std::int64_t id) const;
     RecordSegment ReadRow(CStatement& row) const;
 

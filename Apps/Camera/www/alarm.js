@@ -106,8 +106,9 @@ const alarmView = {
   timer: 0,
 
   async show() {
-    await alarmView.update();
+    // First, so that leaving the view while it is filled ends the timer too.
     alarmView.timer = setInterval(() => act(alarmView.update), 2000);
+    await alarmView.update();
     await alarmView.showInputs();
     await alarmView.showOutputs();
     await serverForm();

@@ -2,22 +2,24 @@
 "use strict";
 
 const liveView = {
-  running: false,
+  run: null, // the loop that shows pictures; null while there is none
   times: [],
 
   async show() {
-    liveView.running = true;
-    byId("live-pause").textContent = "Pause";
     liveView.play();
     await liveView.showStreams();
   },
 
   hide() {
-    liveView.running = false;
+    liveView.run = null;
+    byId("live-pause").textContent = "Go on";
   },
 
+  // An earlier loop that still waits for its picture ends with that.
   async play() {
-    while (liveView.running) {
+    const run = liveView.run = {};
+    byId("live-pause").textContent = "Pause";
+    while (liveView.run === run) {
       if (!await act(() => showSnapshot(byId("live-picture")))) {
         await new Promise(done => setTimeout(done, 2000));
       }
@@ -51,9 +53,9 @@ const rtsp = {port: document.querySelector("meta[name=rtsp-port]").content.trim(
 const rtspAddress = path => "rtsp://" + location.hostname + ":" + rtsp.port + path;
 
 byId("live-pause").onclick = () => {
-  liveView.running = !liveView.running;
-  byId("live-pause").textContent = liveView.running ? "Pause" : "Go on";
-  if (liveView.running) {
+  if (liveView.run) {
+    liveView.hide();
+  } else {
     liveView.play();
   }
 };

@@ -12,25 +12,25 @@ const LENS = [
 ];
 
 const ptzView = {
-  running: false,
+  run: null, // the loop that shows pictures; null while the view is left
 
   async show() {
+    const run = ptzView.run = {};
     const caps = await call("PtzGetCaps");
     byId("ptz-speed").min = textOf(caps, "caps/controlMinSpeed");
     byId("ptz-speed").max = textOf(caps, "caps/controlMaxSpeed");
-    ptzView.running = true;
-    ptzView.play();
+    ptzView.play(run);
     await ptzView.showPresets();
     await ptzView.showCruises();
     await protocolForm();
   },
 
   hide() {
-    ptzView.running = false;
+    ptzView.run = null;
   },
 
-  async play() {
-    while (ptzView.running && await act(() => showSnapshot(byId("ptz-picture")))) {
+  async play(run) {
+    while (ptzView.run === run && await act(() => showSnapshot(byId("ptz-picture")))) {
     }
   },
 

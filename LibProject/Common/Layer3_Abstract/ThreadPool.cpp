@@ -82,13 +82,13 @@ void CThreadPool::SetPoolMaxSize(int size)
 
 void CThreadPool::Destroy()
 {
-    if (!m_created)
-    {
-        return;
-    }
     std::map<unsigned int, tagThreadData> threads;
     {
         CMySingleLock guard(m_lock);
+        if (!m_created && m_threads.empty()) // a task that came before Create may have brought a thread
+        {
+            return;
+        }
         m_running = false; // from here on CreateThread adds none
         threads = m_threads;
     }

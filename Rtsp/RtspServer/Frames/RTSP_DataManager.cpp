@@ -27,12 +27,16 @@ void CRTSP_DataManager::Init(CStreamCtrl* stream, CDevInterface* dev)
         SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);
     m_streamCtrl = stream;
     m_dev = dev;
+    CMySingleLock lock(m_dataLock);
+    m_snapShotsEnded = false;
 }
 
 void CRTSP_DataManager::Clear()
 {
     CMySingleLock lock(m_dataLock);
     m_records.clear();
+    m_snapShotsEnded = true;
+    m_snapShotTaken.SetEvent();
 }
 
 // The copy is made between two short holds of the lock, so that host threads of different channels do not wait for one
@@ -197,6 +201,8 @@ bool CRTSP_DataManager::GetSnapShot(unsigned int chn, char*& data, unsigned int&
     CMySingleLock oneCaller(m_snapShotLock);
     {
         CMySingleLock lock(m_dataLock);
+        if (m_snapShotsEnded)
+            return false;
         m_snapShotChannel = chn;
         m_snapShotWanted = true;
         m_snapShot.reset();

@@ -53,7 +53,8 @@ public:
     /// Before the scheduler starts. @param stream, dev  borrowed until the scheduler has stopped
     void Init(CStreamCtrl* stream, CDevInterface* dev);
 
-    /// Forgets every stream and deletes every list. After the sessions are gone. The URLs stay.
+    /// Forgets every stream and deletes every list. After the sessions are gone. The URLs stay. No picture is waited
+    /// for any more, until the next Init.
     void Clear();
 
     // Host threads.
@@ -75,7 +76,7 @@ public:
 
     /// Waits for the next JPEG frame of a channel, three seconds at most; one caller at a time, the others wait.
     /// @param data  receives an array from new[] that the caller deletes
-    /// @return false when none came
+    /// @return false when none came; at once between Clear and Init, since no frame is taken then
     bool GetSnapShot(unsigned int chn, char*& data, unsigned int& len);
 
     // Scheduler thread.
@@ -146,6 +147,7 @@ private:
     mutable CLock m_dataLock;
     RecordMap m_records GUARDED_BY(m_dataLock);
     bool m_snapShotWanted GUARDED_BY(m_dataLock) = false;
+    bool m_snapShotsEnded GUARDED_BY(m_dataLock) = false;
     unsigned int m_snapShotChannel GUARDED_BY(m_dataLock) = 0;
     std::unique_ptr<char[]> m_snapShot GUARDED_BY(m_dataLock);
     unsigned int m_snapShotLength GUARDED_BY(m_dataLock) = 0;

@@ -216,6 +216,13 @@ TEST(HttpProtocolAnalyse, AddedLineLeavesThePayLoad)
     EXPECT_EQ(std::string("x\0y", 3), PayLoadOf(response));
 }
 
+TEST(HttpProtocolAnalyse, AddedLineReplacesAllLineEndsOfTheHeader)
+{
+    CHttpProtocolAnalyse response(std::string("HTTP/1.1 200 OK\r\nA: b\n\r\r\n\r\nxy"));
+    response.SetHeaderLine("C: d");
+    EXPECT_EQ("HTTP/1.1 200 OK\r\nA: b\r\nC: d\r\n\r\nxy", BufOf(response));
+}
+
 // The length is told and kept even when the host hands out no bytes; they are zeroed.
 TEST(HttpProtocolAnalyse, LengthWithoutABodyGivesZeroBytes)
 {
@@ -363,8 +370,11 @@ TEST(HttpProtocolAnalyse, OtherStatusIsAlwaysHtml)
 {
     CHttpProtocolAnalyse response;
     response.SetURL("a.css");
-    response.SetResPackage(404, "", 0, "");
-    EXPECT_NE(std::string::npos, BufOf(response).find("\r\nContent-type: text/html\r\n"));
+    for (const int status : {302, 400, 401, 403, 404, 408, 500, 501})
+    {
+        response.SetResPackage(status, "", 0, "");
+        EXPECT_NE(std::string::npos, BufOf(response).find("\r\nContent-type: text/html\r\n")) << status;
+    }
 }
 
 TEST(HttpProtocolAnalyse, PicturesOfTwoNamesArePngWhateverTheStatus)

@@ -172,7 +172,7 @@ TEST(ThreadPool, RunsNothingAfterDestroyUntilCreatedAnew)
     next.Release();
 }
 
-TEST(ThreadPool, StartsNoThreadBeforeCreate)
+TEST(ThreadPool, DestroyBeforeCreateDoesNothing)
 {
     CHeldTask task;
     CThreadPool pool(1, 1, false);
@@ -181,6 +181,19 @@ TEST(ThreadPool, StartsNoThreadBeforeCreate)
     task.Run(pool);
     EXPECT_TRUE(task.HasStarted());
     task.Release();
+}
+
+TEST(ThreadPool, ThreadOfATaskThatCameBeforeCreateIsEndedToo)
+{
+    CHeldTask task;
+    CHeldTask next;
+    CThreadPool pool(1, 1, false);
+    task.Run(pool);
+    EXPECT_TRUE(task.HasStarted());
+    task.Release();
+    pool.Destroy();
+    next.Run(pool);
+    EXPECT_FALSE(next.HasStarted(20));
 }
 
 TEST(ThreadPool, ThreadsHaveTheirName)

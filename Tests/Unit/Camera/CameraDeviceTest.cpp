@@ -110,7 +110,7 @@ TEST_F(CameraDevice, KeepsTheTimeSettings)
 TEST_F(CameraDevice, LeavesTheMachinesClockAlone)
 {
     const DEV_DATETIME now = {{2024, 5, 6}, {7, 8, 9}};
-    EXPECT_EQ(DEV_RET_NOT_SUPPORT, m_device->SetDateTime(m_admin, &now));
+    EXPECT_EQ(DEV_RET_NOT_SUPPORTED, m_device->SetDateTime(m_admin, &now));
 }
 
 TEST_F(CameraDevice, ForcesKeyFramesOnItsOwnChannelsOnly)

@@ -11,6 +11,11 @@
 #include <filesystem>
 #include <set>
 
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 using namespace NETNS;
 
 namespace
@@ -296,6 +301,24 @@ TEST_F(Recordings, TheOldestIsRemovedWithItsFile)
     EXPECT_FALSE(m_index.RemoveOldest());
 }
 
+// A disk that is full or has become read-only.
+TEST_F(Recordings, WhatCannotBeRemovedFromTheIndexIsNotTriedForEver)
+{
+    Record(0, 4);
+    sqlite3* other = nullptr;
+    ASSERT_EQ(SQLITE_OK, sqlite3_open(m_directory.Path("index.db").c_str(), &other));
+    EXPECT_EQ(SQLITE_OK, sqlite3_exec(other,
+                                      "CREATE TRIGGER keep BEFORE DELETE ON segment"
+                                      " BEGIN SELECT RAISE(ABORT, 'full'); END",
+                                      nullptr, nullptr, nullptr));
+    sqlite3_close(other);
+    EXPECT_FALSE(m_index.RemoveOldest());
+    CRecorder recorder(m_index, 1); // would have to make room
+    recorder.PutVideo(0, std::vector<unsigned char>(2000), true, SteadyClockUs());
+    recorder.Finish();
+    EXPECT_GT(m_index.TotalBytes(), 2000U);
+}
+
 TEST_F(Recordings, TheRecorderBeginsWithAKeyFrameOfTheMainStream)
 {
     CRecorder recorder(m_index, 1000000);
@@ -455,6 +478,29 @@ TEST_F(Recordings, APlaybackThatIsClosedFeedsNothingMore)
     const std::size_t count = fed.Frames().size();
     playbacks.Close(handle);
     EXPECT_EQ(count, fed.Frames().size());
+}
+
+// It is closed on the thread that serves all RTSP clients.
+TEST_F(Recordings, ClosingAPlaybackDoesNotWaitForADiskThatHangs)
+{
+    const RecordSegment segment = Record(0, 4);
+    std::filesystem::remove(segment.path);
+    ASSERT_EQ(0, mkfifo(segment.path.c_str(), 0600)); // opening it waits for a writer
+    CFedFrames fed;
+    CPlaybacks playbacks(m_index, fed.Feed());
+    for (int count = 0; count < 16; ++count)
+    {
+        const unsigned int handle = playbacks.Open(BASE, 60);
+        EXPECT_NE(0U, handle);
+        playbacks.Close(handle);
+    }
+    EXPECT_EQ(0U, playbacks.Open(BASE, 60)); // threads do not pile up
+    const int disk = open(segment.path.c_str(), O_RDWR | O_NONBLOCK);
+    const std::string noise(65536, 'x'); // a buffer full for each thread
+    EXPECT_EQ(static_cast<ssize_t>(noise.size()), write(disk, noise.data(), noise.size()));
+    playbacks.CloseAll();
+    close(disk);
+    EXPECT_TRUE(fed.Frames().empty());
 }
 
 TEST_F(Recordings, SixteenPlayAtOnceAndTheOldestEndsForOneMore)

@@ -80,7 +80,7 @@ TEST_F(QlxApiAlarmCommands, QuietStatusIsTheHosts)
     EXPECT_EQ("quiet", BodyOf(Ask("GetAlarmStatus")));
     EXPECT_THAT(m_device.CallLog(), ElementsAre("GetUserList", "GetAlarmStatusXml", "FreeBuffer"));
     EXPECT_EQ(0, m_device.BuffersOut());
-    for (const NETNS::DEV_RET result : {NETNS::DEV_RET_FAILED, NETNS::DEV_RET_NO_RIGHT, NETNS::DEV_RET_NOT_SUPPORT})
+    for (const NETNS::DEV_RET result : {NETNS::DEV_RET_FAILED, NETNS::DEV_RET_NO_RIGHT, NETNS::DEV_RET_NOT_SUPPORTED})
     {
         m_device.results["GetAlarmStatusXml"] = result;
         EXPECT_EQ(3, Code("GetAlarmStatus"));
@@ -190,7 +190,7 @@ TEST_F(QlxApiAlarmCommands, MotionAnswersSuccessWhateverTheHostSays)
 // Any refusal of the host's is error 3 for these, even a missing right.
 TEST_F(QlxApiAlarmCommands, InputsAndOutputsAnswerErrorThreeForEveryRefusal)
 {
-    for (const NETNS::DEV_RET result : {NETNS::DEV_RET_FAILED, NETNS::DEV_RET_NO_RIGHT, NETNS::DEV_RET_NOT_SUPPORT})
+    for (const NETNS::DEV_RET result : {NETNS::DEV_RET_FAILED, NETNS::DEV_RET_NO_RIGHT, NETNS::DEV_RET_NOT_SUPPORTED})
     {
         m_device.results = {{"SetSensorConfig", result}, {"SetAlarmOutConfig", result}, {"ManualAlarmOut", result}};
         EXPECT_EQ(3, Code("SetAlarmInConfig", "<config/>"));

@@ -238,7 +238,7 @@ TEST_F(QlxApiDeviceCommands, OtherSynchronizeTypesAreManual)
 TEST_F(QlxApiDeviceCommands, DateAndTimeAnswersTheHostsRefusal)
 {
     EXPECT_EQ(401, Code(&CQLXApiProc::GetDateAndTime, "", UNAUTHORIZED));
-    m_device.results["GetTimeConfig"] = NETNS::DEV_RET_NOT_SUPPORT;
+    m_device.results["GetTimeConfig"] = NETNS::DEV_RET_NOT_SUPPORTED;
     EXPECT_EQ(1, Code(&CQLXApiProc::GetDateAndTime));
 }
 

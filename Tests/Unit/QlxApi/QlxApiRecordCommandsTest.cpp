@@ -79,7 +79,7 @@ TEST_F(QlxApiRecordCommands, RefusalsAreAnswered)
     EXPECT_TRUE(m_device.CallLog().empty());
     EXPECT_EQ(CHALLENGED, Code("SearchRecordDate", "", UNAUTHORIZED));
     EXPECT_EQ(CHALLENGED, Code("SearchByTime", Search(""), UNAUTHORIZED));
-    m_device.results = {{"SearchRecordDate", NETNS::DEV_RET_FAILED}, {"SearchRecord", NETNS::DEV_RET_NOT_SUPPORT}};
+    m_device.results = {{"SearchRecordDate", NETNS::DEV_RET_FAILED}, {"SearchRecord", NETNS::DEV_RET_NOT_SUPPORTED}};
     EXPECT_EQ(4, Code("SearchRecordDate"));
     EXPECT_EQ(1, Code("SearchByTime", Search("")));
 }

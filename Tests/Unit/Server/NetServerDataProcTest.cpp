@@ -8,8 +8,10 @@
 #include "ShareSDK.h"
 #include "TempDirectory.h"
 
+#include <climits>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -190,6 +192,18 @@ TEST_F(NetServerDataProc, ZeroByteInAPathIsNotFound)
     EXPECT_EQ(0, m_device.Calls("GetWebFile"));
 }
 
+// The host would only be asked for a file that is missing; this one is there, but no response can hold it.
+TEST_F(NetServerDataProc, HugeFileIsNotFoundAndNotAskedOfTheHost)
+{
+    const std::string file = m_root.Write("a.txt", "x");
+    for (const off_t size : {off_t{INT_MAX} - 4095, off_t{INT_MAX} + 1, off_t{5368709120}})
+    {
+        ASSERT_EQ(0, truncate(file.c_str(), size));
+        EXPECT_EQ(NOT_FOUND, Get("/a.txt")) << size;
+    }
+    EXPECT_EQ(0, m_device.Calls("GetWebFile"));
+}
+
 TEST_F(NetServerDataProc, RootMayEndInASlash)
 {
     m_root.Write("a.txt", "x");
@@ -287,6 +301,34 @@ TEST_F(NetServerDataProc, MarkedRequestIsHandedToTheHostWhole)
     EXPECT_EQ(0, m_device.BuffersOut());
 }
 
+/// Notes whether what it is to fill in is empty.
+class CLookingDevice : public CFakeDevice
+{
+public:
+    NETNS::DEV_RET ProcHttpData(const char* message, int len, char*& body, int& bodyLen, int& status) override
+    {
+        isEmpty = body == nullptr && bodyLen == 0 && status == 0;
+        return CFakeDevice::ProcHttpData(message, len, body, bodyLen, status);
+    }
+    NETNS::DEV_RET GetWebFile(const char* path, char*& buffer, int& len) override
+    {
+        isEmpty = buffer == nullptr && len == 0;
+        return CFakeDevice::GetWebFile(path, buffer, len);
+    }
+
+    bool isEmpty = false;
+};
+
+TEST_F(NetServerDataProc, HostGetsEmptyOutputsToFill)
+{
+    CLookingDevice device;
+    m_proc.Initial(2, 0, 0, &device, "", "", 1);
+    Get("/ORBIT-700");
+    EXPECT_TRUE(std::exchange(device.isEmpty, false));
+    Get("/missing.txt");
+    EXPECT_TRUE(device.isEmpty);
+}
+
 TEST_F(NetServerDataProc, MarkerMayStandAnywhereInTheMessage)
 {
     m_device.httpAnswer = "x";
@@ -319,6 +361,18 @@ TEST_F(NetServerDataProc, WithTheApiSwitchedOffOnlyFilesAndMarkedRequestsAreServ
     EXPECT_EQ(Ok("text/xml", "host"), Get("/ORBIT-700"));
     // A marked command is the host's too, since it is no command any more.
     EXPECT_EQ(Ok("text/xml", "host"), Ask("GET /GetDeviceInfo HTTP/1.1\r\nX: ORBIT-700\r\n\r\n"));
+}
+
+TEST_F(NetServerDataProc, AlarmsAreCountedAlsoWithTheApiSwitchedOff)
+{
+    for (const unsigned int flags : {0u, 1u})
+    {
+        const unsigned int alarmOuts = 3 + flags;
+        const unsigned int sensors = 5 + flags;
+        EXPECT_EQ(1, m_proc.Initial(2, alarmOuts, sensors, &m_device, "", "", flags));
+        EXPECT_EQ(alarmOuts, CAlarmServer::Instance().GetAlarmOutNum());
+        EXPECT_EQ(sensors, CAlarmServer::Instance().GetSensorNum());
+    }
 }
 
 TEST_F(NetServerDataProc, VersionTextIsStampedIntoFiles)

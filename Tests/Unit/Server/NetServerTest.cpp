@@ -3,11 +3,16 @@
 
 #include "FakeDevice.h"
 #include "FakeSocketService.h"
+#include "HttpExchange.h"
+#include "NetServerConfig.h"
 #include "NetServerDataProc.h"
 #include "ShareSDK.h"
 #include "TempDirectory.h"
 
 #include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -19,6 +24,7 @@ namespace
 {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -29,6 +35,39 @@ const char NOT_FOUND[] = "HTTP/1.1 404 Not Found\r\n"
                          "AuthInfo: \r\n"
                          "\r\n";
 const char REQUEST[] = "GET /missing HTTP/1.1\r\n\r\n";
+
+std::ptrdiff_t CountThreads()
+{
+    std::filesystem::directory_iterator threads("/proc/self/task");
+    return std::distance(begin(threads), end(threads));
+}
+
+/// Whether this process comes to have so many threads; one that has ended may be seen for a moment longer.
+bool ComesToThreads(std::ptrdiff_t count)
+{
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (CountThreads() != count && std::chrono::steady_clock::now() < limit)
+    {
+    }
+    return CountThreads() == count;
+}
+
+/// For a process of its own: the workers are there once.
+bool WorkersAreTwoThenFourAndGoWithQuit()
+{
+    FakeSocketService sockets;
+    std::thread([] {}).join(); // a sanitizer brings a thread of its own with the first one
+    const std::ptrdiff_t others = CountThreads();
+    CNetServer& server = CNetServer::Instance();
+    const bool two = ComesToThreads(others + 2);
+    for (int i = 0; i < 5; ++i)
+    {
+        server.OnAcceptCreateSocket(sockets.ConnectHeld({{0, REQUEST}}), 80, 0);
+    }
+    const bool four = ComesToThreads(others + 4) && sockets.AwaitHeld(4);
+    sockets.Release();
+    return two && four && server.Quit() == 1 && ComesToThreads(others);
+}
 
 class NetServer : public testing::Test
 {
@@ -96,6 +135,18 @@ TEST_F(NetServer, PortThatCannotBeOpenedIsNotReported)
     EXPECT_THAT(m_sockets.TakeCalls(), ElementsAre("listen 8080 0 1", "listen 8081 0 1"));
 }
 
+// What a later SetHttpPort then serves is that of the last start.
+TEST_F(NetServer, RootAndSettingsFileAreTakenAlsoWhenThePortCannotBeOpened)
+{
+    CTempDirectory root;
+    root.Write("a.txt", "x");
+    m_sockets.listenSucceeds = false;
+    CNetServer::Instance().start(8080, root.Path().c_str(), root.Path("server.xml").c_str());
+    EXPECT_THAT(Serve({{0, "GET /a.txt HTTP/1.1\r\n\r\n"}}), EndsWith("\r\n\r\nx"));
+    EXPECT_TRUE(CNetServerCfg::Instance().QlxApiSetAlarmServerConfig("10.0.0.5", 7000));
+    EXPECT_THAT(root.Read("server.xml"), HasSubstr("10.0.0.5"));
+}
+
 TEST_F(NetServer, SetHttpPortToThePortInUseClosesAndReopensIt)
 {
     CNetServer::Instance().start(8080, "", "");
@@ -132,6 +183,15 @@ TEST_F(NetServer, ReadsARequestThatIsLongerThanOneRead)
     ASSERT_EQ(4091u, request.size());
     EXPECT_EQ(NOT_FOUND, Serve({{0, request + "\r\n\r\n"}}));
     EXPECT_EQ(NOT_FOUND, Serve({{0, request + "1234"}, {0, "5\r\n\r\n"}}));
+}
+
+// What one read does not take the scripted service loses.
+TEST_F(NetServer, ReadTakes4095Bytes)
+{
+    const std::string request = "GET /missing HTTP/1.1\r\nX: ";
+    const std::string end = "\r\n\r\n";
+    EXPECT_EQ(NOT_FOUND, Serve({{0, request + std::string(4095 - request.size() - end.size(), 'x') + end}}));
+    EXPECT_EQ("", Serve({{0, request + std::string(4096 - request.size() - end.size(), 'x') + end}})); // one is lost
 }
 
 TEST_F(NetServer, SilentPeerIsDroppedAfterThreePointNineSeconds)
@@ -234,6 +294,16 @@ TEST_F(NetServer, BrokenSendEndsTheConnection)
     EXPECT_EQ("HTTP/1.1 4", m_sockets.Sent(m_handle));
 }
 
+// The peer sees an empty reply.
+TEST_F(NetServer, AnEmptyAnswerIsLoggedAndEndsTheConnection)
+{
+    m_handle = m_sockets.Connect({});
+    SendHttpMessageAndEnd(m_handle, CHttpProtocolAnalyse());
+    EXPECT_TRUE(m_sockets.IsDestroyed(m_handle));
+    EXPECT_EQ("", m_sockets.Sent(m_handle));
+    EXPECT_THAT(Log(), HasSubstr(" ASSERT\n"));
+}
+
 TEST_F(NetServer, HostSeesThePeersAddress)
 {
     Serve({{0, "GET /GetDeviceInfo HTTP/1.1\r\nAuthorization: Basic YWRtaW46YWRtaW4=\r\n\r\n"}});
@@ -256,6 +326,33 @@ TEST_F(NetServer, FourRequestsRunAtOnceAndAFifthWaits)
         EXPECT_TRUE(m_sockets.AwaitDestroyed(handle));
         EXPECT_EQ(NOT_FOUND, m_sockets.Sent(handle));
     }
+}
+
+TEST_F(NetServer, WaitingConnectionsAreServedInTheirOrder)
+{
+    std::vector<int> busy;
+    for (int i = 0; i < 4; ++i)
+    {
+        busy.push_back(m_sockets.ConnectHeld({{0, REQUEST}}));
+        Accept(busy.back());
+    }
+    EXPECT_TRUE(m_sockets.AwaitHeld(4));
+    const int first = m_sockets.ConnectHeld({{0, REQUEST}});
+    const int second = m_sockets.Connect({{0, REQUEST}});
+    Accept(first);
+    Accept(second);
+    m_sockets.Release(busy[0]);
+    EXPECT_TRUE(m_sockets.AwaitDestroyed(busy[0]));
+    EXPECT_TRUE(m_sockets.AwaitHeld(4)); // the one worker that came free has taken the first
+    EXPECT_EQ(0, m_sockets.Reads(second));
+    m_sockets.Release();
+    EXPECT_TRUE(m_sockets.AwaitDestroyed(second));
+}
+
+TEST(NetServerDeathTest, WorkersAreTwoAtFirstFourAtMostAndNoneBehindQuit)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(std::exit(WorkersAreTwoThenFourAndGoWithQuit() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
 // A task says only that some connection waits: with the list cleared it finds none.

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <future>
@@ -172,6 +173,34 @@ TEST_F(RTSP_DataManager, DeletedListGetsNothingMore)
     EXPECT_EQ(-1, m_manager.DelSharedDataList(list));
     EXPECT_EQ(-1, m_manager.DelSharedDataList(nullptr));
     EXPECT_EQ(0, Add(1, 0, VIDEO, KEY, KEY_FRAME));
+}
+
+TEST_F(RTSP_DataManager, ListsAreLogged)
+{
+    testing::internal::CaptureStderr();
+    CSharedDataList* list = List(7, 1, VIDEO);
+    EXPECT_NE(std::string::npos,
+              testing::internal::GetCapturedStderr().find(
+                  "  ----CRTSP_DataManager::CreateSharedDataList  begin chnidx:7, streamidx:1   \n"));
+    m_manager.DelSharedDataList(list);
+    testing::internal::CaptureStderr();
+    m_manager.DelSharedDataList(list);
+    EXPECT_NE(std::string::npos, testing::internal::GetCapturedStderr().find(" error RTSP_DataManager.cpp:"));
+}
+
+TEST_F(RTSP_DataManager, AMissingHostIsLogged)
+{
+    FakeStreamCtrl streams;
+    Device device;
+    testing::internal::CaptureStderr();
+    m_manager.Init(&streams, &device);
+    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+    for (const bool withStreams : {false, true})
+    {
+        testing::internal::CaptureStderr();
+        m_manager.Init(withStreams ? &streams : nullptr, withStreams ? nullptr : &device);
+        EXPECT_NE(std::string::npos, testing::internal::GetCapturedStderr().find(" ASSERT\n"));
+    }
 }
 
 TEST_F(RTSP_DataManager, ClearForgetsStreamsAndKeepsUrls)
@@ -400,8 +429,27 @@ TEST_F(SnapShot, WithoutAPictureItFails)
 {
     char* data = nullptr;
     unsigned int len = 0;
+    testing::internal::CaptureStderr();
     EXPECT_FALSE(m_manager.GetSnapShot(3, data, len));
+    EXPECT_EQ(" CRTSP_DataManager::GetSnapShot timeout \n ", testing::internal::GetCapturedStderr());
     EXPECT_EQ(nullptr, data);
+}
+
+// A stop does not wait for clients of pictures: no frame is taken any more.
+TEST_F(SnapShot, IsNotWaitedForOnceTheStreamsHaveEnded)
+{
+    CRTSP_DataManager manager(60000);
+    char* data = nullptr;
+    unsigned int len = 0;
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_FALSE(Take(manager, data, len, [&manager] { manager.Clear(); }));
+    EXPECT_FALSE(manager.GetSnapShot(3, data, len));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
+    FakeStreamCtrl stream;
+    CFakeDevice device;
+    manager.Init(&stream, &device);
+    ASSERT_TRUE(Take(manager, data, len, [&manager] { Feed(manager, 3, JPEG, "picture"); }));
+    delete[] data;
 }
 
 TEST_F(SnapShot, OtherChannelsAndOtherTypesDoNotCount)
