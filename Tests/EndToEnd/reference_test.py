@@ -230,7 +230,7 @@ class Claims(unittest.TestCase):
                 continue
             opening = " ".join(page.read_text().split("\n## ")[0].split("\n```")[0].split())
             with self.subTest(str(page.relative_to(DOCS))):
-                self.assertRegex(opening, r"^# .*? For .*\. After (this|these|ten) ")
+                self.assertRegex(opening, r"^# .*? For .*[.:] [Aa]fter (this|these|ten) ")
 
     def test_tell_every_command_of_the_xml_api(self):
         code = (ROOT / "QlxApi" / "QlxApiCommands.cpp").read_text()
