@@ -349,9 +349,9 @@ TEST_F(NetServer, WaitingConnectionsAreServedInTheirOrder)
     EXPECT_TRUE(m_sockets.AwaitDestroyed(second));
 }
 
+// Such tests run first: there is no worker yet that a new process would lack.
 TEST(NetServerDeathTest, WorkersAreTwoAtFirstFourAtMostAndNoneBehindQuit)
 {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(std::exit(WorkersAreTwoThenFourAndGoWithQuit() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
