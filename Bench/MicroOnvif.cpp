@@ -63,7 +63,7 @@ void ParseProfiles(benchmark::State& state)
         const COnvifXmlParse document(soap);
         benchmark::DoNotOptimize(document.GetRootItem());
     }
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * soap.size()));
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(soap.size()));
     state.counters["bytes"] = static_cast<double>(soap.size());
 }
 BENCHMARK(ParseProfiles);

@@ -11,6 +11,15 @@ SECONDS_EACH=${BENCH_SECONDS:-8}
 FPS=25
 HOST_PID=
 
+if [ ! -x "$BIN/netserver-bench-host" ]; then
+    echo "run.sh: no benchmarks in $BIN; 'make bench' builds and runs them" >&2
+    exit 1
+fi
+if ! command -v ffmpeg >/dev/null; then
+    echo "run.sh: ffmpeg is missing; 'make deps' installs it" >&2
+    exit 1
+fi
+
 mkdir -p "$OUT"
 rm -f "$OUT"/*.tsv
 
@@ -118,6 +127,9 @@ ratio() {
 row() {
     printf '%-58s %12s  %s\n' "$1" "$2" "${3:-}"
 }
+
+# What the run is made with, for those who read its figures.
+printf 'seconds\t%s\nload_average\t%s\n' "$SECONDS_EACH" "$(cut -d' ' -f1 /proc/loadavg)" >"$OUT/run.tsv"
 
 VIDEO=$OUT/video-4m.h264
 SMALL=$OUT/video-64k.h264

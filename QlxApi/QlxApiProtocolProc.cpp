@@ -191,11 +191,10 @@ bool CQLXApiProc::GetActionFromUrl(const std::string& url, std::string& action)
     return true;
 }
 
-void CQLXApiProc::Time2Str(long seconds, char* out)
+void CQLXApiProc::Time2Str(std::time_t seconds, char* out)
 {
-    const time_t time = seconds;
     tm fields = {};
-    localtime_r(&time, &fields);
+    localtime_r(&seconds, &fields);
     std::snprintf(out, TIME_SIZE, "%04d-%02d-%02d %02d:%02d:%02d", fields.tm_year + 1900, fields.tm_mon + 1,
                   fields.tm_mday, fields.tm_hour, fields.tm_min, fields.tm_sec);
 }

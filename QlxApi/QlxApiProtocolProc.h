@@ -10,6 +10,7 @@
 #include "HttpProtocolAnalyse.h"
 
 #include <array>
+#include <ctime>
 #include <string>
 
 class CQLXApiProc;
@@ -77,7 +78,7 @@ public:
     static bool GetActionFromUrl(const std::string& url, std::string& action);
 
     /// Writes local time as "YYYY-MM-DD hh:mm:ss". @param seconds  since 1970 @param out  room for TIME_SIZE bytes
-    static void Time2Str(long seconds, char* out);
+    static void Time2Str(std::time_t seconds, char* out);
     static constexpr int TIME_SIZE = 80;
     /// Reads such a text. With fewer than six fields a line is logged and those read so far stand.
     static void str2Datetime(const std::string& text, NETNS::DEV_DATETIME& time);

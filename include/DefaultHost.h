@@ -7,6 +7,15 @@
 #include "DevInterface.h"
 #include "StreamCtrl.h"
 
+/// A device without functions: every operation answers NETNS::DEV_RET_NOT_SUPPORTED, counts and lengths are 0, and
+/// buffers null. Differently:
+///
+/// - `ProcHttpData` answers with status 404,
+/// - `FreeBuffer` takes back what new[] made,
+/// - `GetIntegratedPtz`, `GetSupportRS485Ptz` and `GetSupportSDCard` say false,
+/// - `GetUserList` knows no users, so nobody can log in over RTSP or read the alarm status,
+/// - `NeedAuthorization` is true: RTSP clients must log in,
+/// - `GetMaxLen` is 127.
 class CDefaultDevice : public CDevInterface
 {
 public:
@@ -14,7 +23,7 @@ public:
     {
         return NETNS::DEV_RET_NOT_SUPPORTED;
     }
-    /// Answers 404.
+    // Answers 404.
     NETNS::DEV_RET ProcHttpData(const char* /*message*/, int /*len*/, char*& body, int& bodyLen, int& status) override
     {
         body = nullptr;
@@ -28,7 +37,7 @@ public:
         len = 0;
         return NETNS::DEV_RET_NOT_SUPPORTED;
     }
-    /// Takes back what new[] made.
+    // Takes back what new[] made.
     NETNS::DEV_RET FreeBuffer(char*& buffer) override
     {
         delete[] buffer;
@@ -50,7 +59,7 @@ public:
         supported = false;
         return NETNS::DEV_RET_OK;
     }
-    /// No users: nobody can log in.
+    // No users: nobody can log in.
     NETNS::DEV_RET GetUserList(NETNS::DEV_USER_INFO* /*list*/, int /*max*/, int& count) override
     {
         count = 0;
@@ -100,7 +109,7 @@ public:
         return NETNS::DEV_RET_NOT_SUPPORTED;
     }
     NETNS::DEV_RET RequestKeyFrame(const char*, unsigned int) override { return NETNS::DEV_RET_NOT_SUPPORTED; }
-    /// RTSP clients must log in.
+    // RTSP clients must log in.
     bool NeedAuthorization() override { return true; }
     NETNS::DEV_RET GetTimeOsd(const char*, unsigned int, NETNS::DEV_TIME_OSD*) override
     {

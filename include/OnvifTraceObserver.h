@@ -13,11 +13,13 @@ struct ONVIF_TRACE
     unsigned int durationMs; ///< from the connect to the last byte
 };
 
+/// Sees what the ONVIF client exchanges with cameras, see ONVIF_CLIENT_SetTraceObserver.
 class CONVIFTraceObserver
 {
 public:
     virtual ~CONVIFTraceObserver() = default;
 
     /// An exchange is over. Runs on the thread that made it, also on several at the same time, and must return quickly.
+    /// @param trace  the exchange; borrowed for the call
     virtual void OnExchange(const ONVIF_TRACE& trace) = 0;
 };

@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs the Debian 12 packages that a task needs. Does nothing when they are there.
-# usage: deps.sh [build] [format] [lint] [fuzz]      (build when none is named)
+# usage: deps.sh [GROUP]...      (build when none is named; the groups are below)
 set -eu
 
 # What builds the library, the camera, the tests and the benchmarks, and the clients that the tests drive.
@@ -10,10 +10,15 @@ BUILD="cmake ninja-build g++ pkg-config
   gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly
   gstreamer1.0-x gstreamer1.0-libav gstreamer1.0-tools
   libgtest-dev libgmock-dev libbenchmark-dev
-  python3 ffmpeg curl libxml2-utils chromium iproute2 util-linux gupnp-tools"
+  python3 ffmpeg curl libxml2-utils chromium iproute2 util-linux gupnp-tools
+  debhelper dpkg-dev mandoc systemd doxygen graphviz gnuplot-nox"
 FORMAT="git clang-format"
-LINT="clang-tidy cppcheck"
+LINT="clang clang-tidy cppcheck"
+COVERAGE="gcovr"
+DEB="lintian"
 FUZZ="clang libclang-rt-14-dev"
+# The libraries are those of the device: see arm-sysroot.sh.
+ARM="cmake ninja-build pkg-config g++-arm-linux-gnueabihf qemu-user debian-archive-keyring python3 iproute2 util-linux"
 
 packages=""
 for group in "${@:-build}"; do
@@ -21,8 +26,11 @@ for group in "${@:-build}"; do
     build) packages="$packages $BUILD" ;;
     format) packages="$packages $FORMAT" ;;
     lint) packages="$packages $BUILD $FORMAT $LINT" ;;
+    coverage) packages="$packages $BUILD $COVERAGE" ;;
     fuzz) packages="$packages $BUILD $FUZZ" ;;
-    *) echo "deps.sh: no group '$group'" >&2; exit 2 ;;
+    arm) packages="$packages $ARM" ;;
+    deb) packages="$packages $BUILD $DEB" ;;
+    *) echo "deps.sh: no group '$group'; there are build, format, lint, coverage, fuzz, arm and deb" >&2; exit 2 ;;
   esac
 done
 

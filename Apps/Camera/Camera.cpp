@@ -5,6 +5,7 @@
 #include "LocalPorts.h"
 #include "NetServerSDK.h"
 #include "RecordTime.h"
+#include "SlowNotice.h"
 #include "StreamChoices.h"
 #include "TalkPlayer.h"
 #include "WavFile.h"
@@ -34,15 +35,27 @@ std::string RtspPortText(unsigned short port)
     return text;
 }
 
-bool CheckPort(const char* name, unsigned short port)
+bool CheckPort(const char* name, const char* option, unsigned short port)
 {
     std::string why;
     if (IsPortFree(port, why))
     {
         return true;
     }
-    Say(std::string(name) + " port " + std::to_string(port) + " cannot be used: " + why);
+    Say(std::string(name) + " port " + std::to_string(port) + " cannot be used: " + why + "; " +
+        (IsPrivileged(port) ? "ports below 1024 need a right of their own, choose another one with "
+                            : "end the program that has it, or choose another one with ") +
+        option);
     return false;
+}
+
+/// On a terminal, where to look next.
+void PointToPage(unsigned short httpPort)
+{
+    if (isatty(STDERR_FILENO) != 0)
+    {
+        Say("the page is http://localhost:" + std::to_string(httpPort) + "/, Ctrl-C ends the camera");
+    }
 }
 
 bool CheckService(const char* name, unsigned short port)
@@ -51,7 +64,8 @@ bool CheckService(const char* name, unsigned short port)
     {
         return true;
     }
-    Say(std::string(name) + " port " + std::to_string(port) + " does not answer");
+    Say(std::string(name) + " port " + std::to_string(port) +
+        " does not answer; another program may have taken it just now, start again");
     return false;
 }
 
@@ -123,7 +137,7 @@ int CCamera::Run(int readyFd)
     if (NET_SERVER_Initial(m_options.channels, ALARM_OUT_COUNT, SENSOR_COUNT, m_device.get(), m_streams.get(),
                            RTSP_PORT_MARK, m_rtspPortText.c_str(), FLAG_XML_API, NETNS::DEV_TYPE_DEFAULT) != 1)
     {
-        Say("the network services could not be started");
+        Say("the network services could not be started; the limits of open files and threads may be too low");
         return 1;
     }
     Outcome outcome = Outcome::Reboot;
@@ -148,11 +162,12 @@ bool CCamera::Prepare()
         return false;
     }
     BuildDevice();
-    return CheckPort("HTTP", m_ports.httpPort) && CheckPort("RTSP", m_ports.rtspPort);
+    return CheckPort("HTTP", "--http-port", m_ports.httpPort) && CheckPort("RTSP", "--rtsp-port", m_ports.rtspPort);
 }
 
 bool CCamera::OpenStore(std::string& problem)
 {
+    const CSlowNotice notice("checking the settings and recordings in " + m_dataDirectory, Say);
     const std::string recordings = m_dataDirectory + "/recordings";
     return MakeDirectory(m_dataDirectory, problem) && LockDirectory(m_dataDirectory, problem) &&
            m_store.Open(m_dataDirectory + "/camera.db", problem) && MakeDirectory(recordings, problem) &&
@@ -280,6 +295,7 @@ CCamera::Outcome CCamera::BringUp(int readyFd)
     if (!m_readyPrinted)
     {
         m_readyPrinted = PrintReady(readyFd, m_ports.httpPort, m_ports.rtspPort);
+        PointToPage(m_ports.httpPort);
     }
     return Serve();
 }

@@ -4,6 +4,7 @@
 #include "CameraLog.h"
 #include "LocalPorts.h"
 #include "RecordTime.h"
+#include "SlowNotice.h"
 
 using namespace std::chrono_literals;
 
@@ -18,12 +19,30 @@ constexpr auto CLIENT_WATCH = 2s;
 constexpr auto SECOND_KEY_FRAME = 500ms;
 constexpr std::uint64_t VIDEO_LOSS_US = 3000000;
 
+/// What a person can do about a source that does not come up.
+const char* SourceHint(SourceKind kind)
+{
+    switch (kind)
+    {
+    case SourceKind::File:
+        return "give a file that holds pictures, or install the GStreamer plug-in that reads it";
+    case SourceKind::V4l2:
+        return "'ls /dev/video*' lists the devices, and members of the group 'video' may use them";
+    case SourceKind::Rtsp:
+        return "check that it is on, and the address, name and password in its URL";
+    case SourceKind::Test:
+        break;
+    }
+    return "the machine may be too busy, or a GStreamer plug-in is missing";
+}
+
 } // namespace
 
 /// Starts the media and waits for the first frames. @return what ends the run; nothing when it goes on
 std::optional<CCamera::Outcome> CCamera::AwaitMedia()
 {
     std::string problem;
+    const CSlowNotice notice("waiting for the first pictures of the source, up to 20 seconds", Say);
     const Clock::time_point limit = Clock::now() + FIRST_FRAMES_LIMIT;
     bool running = StartMedia(problem);
     while (running && !m_feed.HasAll())
@@ -43,7 +62,7 @@ std::optional<CCamera::Outcome> CCamera::AwaitMedia()
     {
         return std::nullopt;
     }
-    Say(problem);
+    Say("--source: " + problem + "; " + SourceHint(m_options.source));
     if (!m_readyPrinted)
     {
         return Outcome::Failed;

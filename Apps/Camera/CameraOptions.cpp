@@ -18,6 +18,9 @@ namespace
 constexpr unsigned int MIN_SIDE = 64;
 constexpr unsigned int MAX_SIDE = 4096;
 
+const char* const FOOTER =
+    "Exit status: 0 ended by a signal; 1 the camera could not start, or could not go on; 2 bad usage.";
+
 /// The texts as typed, before they are taken apart.
 struct RawArguments
 {
@@ -48,7 +51,7 @@ std::string TakeFile(const std::string& path, CameraOptions& options)
 {
     if (!IsKind(path, S_IFREG) || access(path.c_str(), R_OK) != 0)
     {
-        return "--source: cannot read the file '" + path + "'";
+        return "--source: cannot read the file '" + path + "'; check its path and its rights";
     }
     options.source = SourceKind::File;
     options.location = path;
@@ -209,7 +212,7 @@ std::string CheckTheRest(const CameraOptions& options)
     }
     if (!options.webRoot.empty() && !IsKind(options.webRoot, S_IFDIR))
     {
-        return "--web-root: no directory '" + options.webRoot + "'";
+        return "--web-root: no directory '" + options.webRoot + "'; leave it out for the built-in pages";
     }
     return {};
 }
@@ -302,8 +305,16 @@ void Describe(CLI::App& app, CameraOptions& options, RawArguments& raw)
         ->group("Clients");
     app.add_flag("--no-rtsp-auth", raw.noRtspAuth, "RTSP clients need not log in")->group("Clients");
     app.add_flag("--compat", options.compat, "Keep the RTSP oddities that old clients may lean on")->group("Clients");
+    app.add_flag("--verbose", options.verbose, "Show all log lines on standard error, not only those about trouble")
+        ->group("Clients");
     app.add_flag("--announce", options.announce, "Announce the camera over UPnP, with its description on port 33899")
         ->group("Clients");
+}
+
+CommandLine Refuse(std::ostream& err, const std::string& problem)
+{
+    err << "netserver-camera: " << problem << "; --help lists the options\n";
+    return CommandLine::Bad;
 }
 
 } // namespace
@@ -327,6 +338,8 @@ CommandLine ParseCommandLine(int argc, const char* const* argv, CameraOptions& o
     CLI::App app("A network camera in software: web page and XML API over HTTP, live H.264 and G.711 over RTSP.",
                  "netserver-camera");
     app.set_help_flag("-h,--help", "Print this text and exit");
+    app.set_version_flag("--version", "netserver-camera " CAMERA_VERSION, "Print the version and exit");
+    app.footer(FOOTER);
     app.get_formatter()->column_width(28);
     RawArguments raw;
     Describe(app, options, raw);
@@ -336,15 +349,17 @@ CommandLine ParseCommandLine(int argc, const char* const* argv, CameraOptions& o
     }
     catch (const CLI::ParseError& error)
     {
-        const bool wanted = error.get_exit_code() == 0;
+        if (error.get_exit_code() != 0)
+        {
+            return Refuse(err, error.what());
+        }
         app.exit(error, out, err);
-        return wanted ? CommandLine::Done : CommandLine::Bad;
+        return CommandLine::Done;
     }
     const std::string problem = TakeAll(raw, options);
     if (!problem.empty())
     {
-        err << problem << "\nRun with --help for more information.\n";
-        return CommandLine::Bad;
+        return Refuse(err, problem);
     }
     return CommandLine::Run;
 }

@@ -47,6 +47,7 @@ struct CameraOptions
     unsigned int channels = 1;
     bool compat = false;
     bool announce = false; ///< over UPnP
+    bool verbose = false;  ///< all log lines of the library
     PtzSupport ptz = PtzSupport::Both;
     unsigned int recordLimit = 1024; ///< MB that recordings may take; 0: nothing is recorded
     std::string talkOut;             ///< WAV file for clients' speech; empty: it is played

@@ -63,7 +63,8 @@ bool MakeDirectory(const std::string& path, std::string& problem)
     fs::create_directories(path, error);
     if (!fs::is_directory(path))
     {
-        problem = path + ": " + (error ? error.message() : "is no directory");
+        problem = path + ": " + (error ? error.message() : "is no directory") +
+                  "; choose a directory that you may write to with --data-dir";
         return false;
     }
     return true;
@@ -76,7 +77,8 @@ bool LockDirectory(const std::string& path, std::string& problem)
     if (directory < 0 || flock(directory, LOCK_EX | LOCK_NB) != 0)
     {
         problem =
-            path + ": " + (errno == EWOULDBLOCK ? "is in use by another camera; give --data-dir" : strerror(errno));
+            path + ": " +
+            (errno == EWOULDBLOCK ? "is in use by another camera; give this one another --data-dir" : strerror(errno));
         return false;
     }
     return true;

@@ -14,6 +14,7 @@
 namespace
 {
 
+constexpr unsigned short FIRST_FREE_PORT = 1024;
 constexpr const char* STATE_ESTABLISHED = "01";
 
 sockaddr_in Address(in_addr_t host, unsigned short port)
@@ -62,6 +63,14 @@ bool IsPortFree(unsigned short port, std::string& why)
         why = std::strerror(errno);
     }
     return free;
+}
+
+bool IsPrivileged(unsigned short port)
+{
+    const CSocket probe;
+    const sockaddr_in address = Address(INADDR_ANY, port);
+    return port < FIRST_FREE_PORT &&
+           bind(probe.Fd(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0 && errno == EACCES;
 }
 
 bool DoesPortAnswer(unsigned short port)

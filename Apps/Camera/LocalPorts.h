@@ -8,6 +8,9 @@
 /// @param why  receives the kernel's word for it when not
 bool IsPortFree(unsigned short port, std::string& why);
 
+/// Whether this process may not listen on the port because it is one below 1024.
+bool IsPrivileged(unsigned short port);
+
 /// Whether something accepts connections on 127.0.0.1.
 bool DoesPortAnswer(unsigned short port);
 

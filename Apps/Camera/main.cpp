@@ -3,6 +3,7 @@
 #include "Camera.h"
 #include "CameraOptions.h"
 #include "PictureElement.h"
+#include "ShareSDK.h"
 
 #include <gst/gst.h>
 
@@ -53,6 +54,7 @@ int main(int argc, char** argv)
     case CommandLine::Run:
         break;
     }
+    SHARESDK_SetLogLevel(options.verbose ? SHARESDK_LOG_ALL : SHARESDK_LOG_ABNORMAL);
     const sigset_t stopSignals = TakeSignals();
     umask(077); // settings, recordings and speech are nobody else's
     const int readyFd = SetStandardOutputApart();

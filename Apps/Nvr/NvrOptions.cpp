@@ -153,6 +153,7 @@ void DescribeWatch(CLI::App* sub, NvrOptions& options)
 void Describe(CLI::App& app, NvrOptions& options, RawArguments& raw)
 {
     DescribeLogin(app, options, raw);
+    app.set_version_flag("--version", "netserver-nvr " NVR_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(FOOTER);
 
@@ -180,6 +181,12 @@ void Describe(CLI::App& app, NvrOptions& options, RawArguments& raw)
     DescribeKeys(rawCommand, options, raw);
 }
 
+NvrCommandLine Refuse(std::ostream& err, const std::string& problem)
+{
+    err << "netserver-nvr: " << problem << "; --help tells how it is used\n";
+    return NvrCommandLine::Bad;
+}
+
 } // namespace
 
 NvrCommandLine ParseNvrCommandLine(int argc, const char* const* argv, NvrOptions& options, std::ostream& out,
@@ -194,15 +201,17 @@ NvrCommandLine ParseNvrCommandLine(int argc, const char* const* argv, NvrOptions
     }
     catch (const CLI::ParseError& error)
     {
-        const bool wanted = error.get_exit_code() == 0;
+        if (error.get_exit_code() != 0)
+        {
+            return Refuse(err, error.what());
+        }
         app.exit(error, out, err);
-        return wanted ? NvrCommandLine::Done : NvrCommandLine::Bad;
+        return NvrCommandLine::Done;
     }
     const std::string problem = TakeAll(raw, options);
     if (!problem.empty())
     {
-        err << "netserver-nvr: " << problem << "\nRun with --help for more information.\n";
-        return NvrCommandLine::Bad;
+        return Refuse(err, problem);
     }
     return NvrCommandLine::Run;
 }

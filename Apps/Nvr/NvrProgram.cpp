@@ -6,7 +6,7 @@
 #include "OnvifSDK.h"
 
 #include <algorithm>
-#include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -23,7 +23,8 @@ namespace
 {
 
 constexpr std::size_t LARGEST_DOCUMENT = 1 << 20;
-constexpr char INTERRUPT = '\x03'; // Ctrl-C
+constexpr std::size_t WATCH_ROUND_MS = 10000; // in which each watched camera is looked after once
+constexpr char INTERRUPT = '\x03';            // Ctrl-C
 const char* const SEE_TRACE = "; --trace FILE shows the exchanges";
 
 /// A "Set" document with one key and texts at paths of up to three names below it.
@@ -91,6 +92,16 @@ bool ReadHidden(const std::string& prompt, std::string& line)
     return read && line.find(INTERRUPT) == std::string::npos;
 }
 
+/// Of a file that ReadAll did not read; "-" is standard input.
+std::string ReadProblem(const std::string& path)
+{
+    if (path != "-" && access(path.c_str(), R_OK) != 0)
+    {
+        return "cannot read '" + path + "': " + std::strerror(errno);
+    }
+    return "cannot read '" + path + "': it is no text, or has more than 1 MiB";
+}
+
 bool ReadAll(std::istream& in, std::string& text)
 {
     char part[4096];
@@ -118,7 +129,8 @@ NvrExit CNvrProgram::Run()
 {
     if (!m_options.traceFile.empty() && !m_trace.OpenFile(m_options.traceFile))
     {
-        return Fail(NVR_USAGE, "--trace: cannot write '" + m_options.traceFile + "': " + std::strerror(errno));
+        return Fail(NVR_USAGE, "--trace: cannot write '" + m_options.traceFile + "': " + std::strerror(errno) +
+                                   "; give another file");
     }
     if (m_options.command == NvrCommand::Set && !ReadFile())
     {
@@ -135,13 +147,15 @@ NvrExit CNvrProgram::Run()
     const std::string address = ResolveHost(m_options.host);
     if (address.empty())
     {
-        return Fail(NVR_USAGE, "--host: '" + m_options.host + "' is no IPv4 address and no name that is known");
+        return Fail(NVR_USAGE,
+                    "--host: '" + m_options.host +
+                        "' is no IPv4 address and no name that is known; check its spelling, or give the address");
     }
     Progress("logging in to " + address + ":" + std::to_string(m_options.port));
     const unsigned int error = m_session.Login(m_options, address);
     if (error != 0)
     {
-        return Fail(NVR_NO_LOGIN, "login failed with code " + std::to_string(error) + ": " + DescribeLoginError(error));
+        return Fail(NVR_NO_LOGIN, LoginProblem(error));
     }
     return RunCommand();
 }
@@ -248,7 +262,8 @@ NvrExit CNvrProgram::Snapshot()
     target << picture << std::flush;
     if (!target)
     {
-        return Fail(NVR_USAGE, "cannot write '" + m_options.file + "': " + std::strerror(errno));
+        return Fail(NVR_USAGE,
+                    "cannot write '" + m_options.file + "': " + std::strerror(errno) + "; give another file");
     }
     Progress(std::to_string(picture.size()) + " bytes");
     return NVR_DONE;
@@ -300,32 +315,33 @@ NvrExit CNvrProgram::Watch()
         return NVR_USAGE;
     }
     CNvrWatch watch(m_out, m_options.json);
-    bool isAnyWatched = false;
+    std::size_t number = 0;
+    std::size_t watched = 0;
     for (const NvrCamera& camera : cameras)
     {
         const std::string name = camera.host + ":" + std::to_string(camera.port);
         const std::string address = ResolveHost(camera.host);
         if (address.empty())
         {
-            Fail(NVR_NO_LOGIN, name + ": no IPv4 address and no name that is known");
+            Fail(NVR_NO_LOGIN, name + ": no IPv4 address and no name that is known; check its spelling");
             continue;
         }
-        Progress("logging in to " + name);
+        Progress("logging in to " + name + " (" + std::to_string(++number) + " of " + std::to_string(cameras.size()) +
+                 ")");
         const unsigned int error = watch.Add(camera, address);
         if (error != 0)
         {
-            Fail(NVR_NO_LOGIN,
-                 name + ": login failed with code " + std::to_string(error) + ": " + DescribeLoginError(error));
+            Fail(NVR_NO_LOGIN, name + ": " + LoginProblem(error));
             continue;
         }
-        isAnyWatched = true;
+        ++watched;
     }
-    if (!isAnyWatched)
+    if (watched == 0)
     {
         return NVR_NO_LOGIN;
     }
-    Progress("watching, Ctrl-C ends it");
-    WaitForEndOfWatch();
+    Progress("watching " + std::to_string(watched) + " of " + std::to_string(cameras.size()) + ", Ctrl-C ends it");
+    LookAfterCameras(watch);
     return NVR_DONE;
 }
 
@@ -354,7 +370,7 @@ bool CNvrProgram::ReadFile()
     }
     if ((isFile && !file.is_open()) || !ReadAll(isFile ? file : std::cin, m_document))
     {
-        Fail(NVR_USAGE, "cannot read '" + m_options.file + "', or it has more than 1 MiB");
+        Fail(NVR_USAGE, ReadProblem(m_options.file));
         return false;
     }
     const std::string problem = SetDocumentProblem(m_document);
@@ -372,7 +388,7 @@ bool CNvrProgram::ReadCameras(std::vector<NvrCamera>& cameras)
     std::string text;
     if (!file.is_open() || !ReadAll(file, text))
     {
-        Fail(NVR_USAGE, "--cameras: cannot read '" + m_options.camerasFile + "', or it has more than 1 MiB");
+        Fail(NVR_USAGE, "--cameras: " + ReadProblem(m_options.camerasFile));
         return false;
     }
     const std::string problem = ReadNvrCameras(text, m_options, cameras);
@@ -408,7 +424,9 @@ std::string CNvrProgram::NeedProblem() const
                    ", counted from 0; 'login' lists them";
         }
     }
-    return profiles == 0 && NeedsProfile() ? "this needs a profile with a video encoder, and the camera has none" : "";
+    return profiles == 0 && NeedsProfile()
+               ? "this needs a profile with a video encoder, and the camera has none; 'login' lists what it has"
+               : "";
 }
 
 NvrExit CNvrProgram::Fetch(const std::vector<std::string>& keys, std::string& answer)
@@ -450,12 +468,35 @@ bool CNvrProgram::WaitForEndOfMove() const
     return sigtimedwait(&m_signals, nullptr, &limit) < 0;
 }
 
-void CNvrProgram::WaitForEndOfWatch() const
+/// Until a signal or the end of the time that was asked for. A camera's turn comes every ten seconds, so that one that
+/// starts anew, which takes longer, is not missed.
+void CNvrProgram::LookAfterCameras(CNvrWatch& watch)
 {
-    const timespec limit = {static_cast<time_t>(m_options.watchSeconds), 0};
-    while (sigtimedwait(&m_signals, nullptr, m_options.watchSeconds != 0 ? &limit : nullptr) < 0 && errno == EINTR)
+    const std::chrono::milliseconds pause(WATCH_ROUND_MS / watch.Cameras());
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(m_options.watchSeconds);
+    for (;;)
     {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+        const bool isLast = m_options.watchSeconds != 0 && left <= pause;
+        const long long waitMs = isLast ? std::max<long long>(left.count(), 0) : pause.count();
+        const timespec limit = {static_cast<time_t>(waitMs / 1000), static_cast<long>(waitMs % 1000) * 1000000};
+        const bool isSignal = sigtimedwait(&m_signals, nullptr, &limit) >= 0;
+        if (isSignal || isLast)
+        {
+            return;
+        }
+        const std::string change = watch.CheckNext();
+        if (!change.empty())
+        {
+            m_err << "netserver-nvr: " << change << std::endl;
+        }
     }
+}
+
+std::string CNvrProgram::LoginProblem(unsigned int error) const
+{
+    const std::string last = error == LOGIN_NO_ANSWER ? " (" + m_trace.LastOutcome() + ")" : "";
+    return "login failed with code " + std::to_string(error) + ": " + DescribeLoginError(error) + last;
 }
 
 NvrExit CNvrProgram::Fail(NvrExit status, const std::string& message)

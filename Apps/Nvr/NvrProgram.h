@@ -22,6 +22,8 @@ enum NvrExit
     NVR_NO_LOGIN = 3,
 };
 
+class CNvrWatch;
+
 class CNvrProgram
 {
 public:
@@ -50,12 +52,13 @@ private:
     bool AskForPassword();
     bool ReadFile();
     bool ReadCameras(std::vector<NvrCamera>& cameras);
-    void WaitForEndOfWatch() const;
+    void LookAfterCameras(CNvrWatch& watch);
     bool NeedsProfile() const;
     std::string NeedProblem() const;
     NvrExit Fetch(const std::vector<std::string>& keys, std::string& answer);
     NvrExit Judge(bool good, const std::string& answer, const std::string& what);
     bool WaitForEndOfMove() const;
+    std::string LoginProblem(unsigned int error) const;
     NvrExit Fail(NvrExit status, const std::string& message);
     void Progress(const std::string& message);
 

@@ -32,6 +32,9 @@ private:
     unsigned int m_token;
 };
 
+/// Result code of a login that the camera did not answer.
+constexpr unsigned int LOGIN_NO_ANSWER = 4;
+
 /// Result codes of a login in words, and what to do about it.
 std::string DescribeLoginError(unsigned int error);
 

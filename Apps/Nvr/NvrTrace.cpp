@@ -52,7 +52,10 @@ void CNvrTrace::OnExchange(const ONVIF_TRACE& trace)
     if (trace.replyBytes == 0)
     {
         m_lastOutcome = place + " gave no answer to " + operation + " within " + time;
-        m_messages << "netserver-nvr: " << m_lastOutcome << std::endl;
+        if (trace.durationMs >= LONG_MS)
+        {
+            m_messages << "netserver-nvr: " << m_lastOutcome << std::endl;
+        }
         return;
     }
     m_lastOutcome = place + " answered " + operation + " with \"" + FirstLine(trace.reply) + "\"";

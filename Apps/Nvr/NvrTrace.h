@@ -13,7 +13,7 @@
 class CNvrTrace : public CONVIFTraceObserver
 {
 public:
-    /// @param messages  takes a line for each exchange that brought nothing, or took long
+    /// @param messages  takes a line for each exchange that took long
     explicit CNvrTrace(std::ostream& messages) : m_messages(messages) {}
 
     /// Writes each exchange into a file from now on. @return false when it cannot be written

@@ -5,6 +5,7 @@
 #include "ConnectionTable.h"
 #include "ShareSDK.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -13,6 +14,7 @@
 #include <fcntl.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace
@@ -55,9 +57,10 @@ CFileDescriptor AcceptNow(int fd, sockaddr_in& peer)
 
 std::shared_ptr<CListener> CListener::Open(unsigned short port, CListenSocketObserver* observer,
                                            unsigned int localAddress, bool reuseAddress, CConnectionTable& table,
-                                           const std::shared_ptr<CQuitSignal>& quit)
+                                           const std::shared_ptr<CQuitSignal>& quit,
+                                           std::chrono::milliseconds spareLife)
 {
-    std::shared_ptr<CListener> listener(new CListener(observer, table, quit));
+    std::shared_ptr<CListener> listener(new CListener(observer, table, quit, spareLife));
     if (!listener->OpenSocket(port, localAddress, reuseAddress))
     {
         return nullptr;
@@ -66,8 +69,9 @@ std::shared_ptr<CListener> CListener::Open(unsigned short port, CListenSocketObs
     return listener->StartThread() ? listener : nullptr;
 }
 
-CListener::CListener(CListenSocketObserver* observer, CConnectionTable& table, std::shared_ptr<CQuitSignal> quit)
-    : m_observer(observer), m_table(table), m_quit(std::move(quit))
+CListener::CListener(CListenSocketObserver* observer, CConnectionTable& table, std::shared_ptr<CQuitSignal> quit,
+                     std::chrono::milliseconds spareLife)
+    : m_observer(observer), m_table(table), m_quit(std::move(quit)), m_spareLife(spareLife)
 {
     OpenReserve();
 }
@@ -147,7 +151,13 @@ void CListener::Serve()
     }
 }
 
-/// The thread is a spare one. @return true with the lead; false when the listener stops
+std::size_t CListener::Threads()
+{
+    std::lock_guard<std::mutex> lock(m_lock);
+    return m_threads.size();
+}
+
+/// The thread is a spare one. @return true with the lead; false when it ends
 bool CListener::AwaitLead()
 {
     std::unique_lock<std::mutex> lock(m_lock);
@@ -173,9 +183,11 @@ bool CListener::AwaitLead()
             isWatching = true;
             m_isWatched = true;
         }
-        else
+        else if (m_forSpare.wait_for(lock, m_spareLife) == std::cv_status::timeout && !m_stopping && m_hasLeader &&
+                 m_spares > 1)
         {
-            m_forSpare.wait(lock);
+            Leave(lock);
+            return false;
         }
     }
     if (isWatching)
@@ -184,6 +196,19 @@ bool CListener::AwaitLead()
     }
     --m_spares;
     return leads;
+}
+
+/// The calling thread, a spare one, is about to end: nobody waits for it.
+void CListener::Leave(std::unique_lock<std::mutex>& lock)
+{
+    const auto self = static_cast<unsigned int>(syscall(SYS_gettid));
+    const auto found = std::find_if(m_threads.begin(), m_threads.end(),
+                                    [self](unsigned int thread) { return SHARESDK_GetThreadID(thread) == self; });
+    const unsigned int handle = *found;
+    m_threads.erase(found);
+    --m_spares;
+    lock.unlock();
+    SHARESDK_DestroyThread(handle, __FILE__, __LINE__);
 }
 
 bool CListener::TakeLeadFromSlowCallback(unsigned int connectionsSeen)
@@ -289,6 +314,10 @@ CFileDescriptor CListener::Accept(sockaddr_in& peer)
     if (socket.IsOpen())
     {
         m_refusing = false;
+        if (!m_reserve.IsOpen())
+        {
+            OpenReserve(); // lost while there was none
+        }
     }
     else if (error == EMFILE || error == ENFILE)
     {

@@ -3,12 +3,14 @@
 // One thread leads: it accepts, runs the observer's callback itself, and accepts again. So a connection wakes one
 // thread and no second one. A spare thread watches: when a callback takes its time, as for a peer that says nothing, it
 // takes the lead, and as long as such a callback runs the lead is handed on in front of every callback. So waiting
-// callbacks delay nobody until a bounded number of threads waits.
+// callbacks delay nobody until a bounded number of threads waits. Spare threads beyond one end when they have had
+// nothing to do for a while.
 #pragma once
 
 #include "NetSocket.h"
 #include "SocketWait.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -22,12 +24,16 @@ public:
     static constexpr int THREADS_MAX = 16;
     /// Accepted connections that have not ended; more wait in the system's backlog.
     static constexpr int CONNECTIONS_MAX = 256;
+    static constexpr std::chrono::milliseconds SPARE_LIFE{10000};
 
-    /// Opens the port and begins to accept. @param table, quit  outlive the listener
+    /// Opens the port and begins to accept.
+    /// @param table, quit  outlive the listener
+    /// @param spareLife    without anything to do, for spare threads beyond one
     /// @return null when the port or a thread could not be had
     static std::shared_ptr<CListener> Open(unsigned short port, CListenSocketObserver* observer,
                                            unsigned int localAddress, bool reuseAddress, CConnectionTable& table,
-                                           const std::shared_ptr<CQuitSignal>& quit);
+                                           const std::shared_ptr<CQuitSignal>& quit,
+                                           std::chrono::milliseconds spareLife = SPARE_LIFE);
     CListener(const CListener&) = delete;
     CListener& operator=(const CListener&) = delete;
 
@@ -35,6 +41,7 @@ public:
     void Stop();
     unsigned short Port() const { return m_port; }
     const CListenSocketObserver* Observer() const { return m_observer; }
+    std::size_t Threads();
 
     /// A connection of this listener has ended: there is room for another.
     void ConnectionEnded();
@@ -47,13 +54,15 @@ private:
         bool overtaken = false; // the watching thread has taken the lead from it
     };
 
-    CListener(CListenSocketObserver* observer, CConnectionTable& table, std::shared_ptr<CQuitSignal> quit);
+    CListener(CListenSocketObserver* observer, CConnectionTable& table, std::shared_ptr<CQuitSignal> quit,
+              std::chrono::milliseconds spareLife);
     bool OpenSocket(unsigned short port, unsigned int localAddress, bool reuseAddress);
     bool StartThread();
     static void Run(void* listener);
     void Serve();
     bool AwaitLead();
     bool TakeLeadFromSlowCallback(unsigned int connectionsSeen);
+    void Leave(std::unique_lock<std::mutex>& lock);
     void Lead();
     bool ReservePlace();
     void BeginCallback(Callback& callback);
@@ -68,6 +77,7 @@ private:
     CListenSocketObserver* const m_observer;
     CConnectionTable& m_table;
     const std::shared_ptr<CQuitSignal> m_quit;
+    const std::chrono::milliseconds m_spareLife;
     CFileDescriptor m_socket; // closed when no thread waits in accept any more
     unsigned short m_port = 0;
 

@@ -199,6 +199,10 @@ public:
 private:
     /// Appends an answer's fields to the host's answer.
     using Transform = void (*)(const std::string& soap, std::string& answer);
+    /// The same for one profile, by its index.
+    using IndexedTransform = void (*)(const std::string& soap, std::string& answer, int index);
+    /// Makes the request about one profile.
+    using ProfileBuilder = std::string (*)(const ONVIF_PROFILE_TOKEN& profile);
 
     static constexpr unsigned int COMMAND_BUFFER = 8192;
     static constexpr int COMMAND_TIMEOUT_MS = 5000;
@@ -220,8 +224,6 @@ private:
     /// Exchanges with the media service, one for each `index` of a host's request that has a profile.
     /// @param path  of the first `index`
     /// @return the last exchange's result, after a failure no further one; ONVIF_NOTHING_DONE without an exchange
-    using ProfileBuilder = std::string (*)(const ONVIF_PROFILE_TOKEN& profile);
-    using IndexedTransform = void (*)(const std::string& soap, std::string& answer, int index);
     int RunForEachIndex(const std::string& request, const char* path, ProfileBuilder builder,
                         IndexedTransform transform, std::string& answer, unsigned int recvSize);
     /// An exchange whose answer is a `status` under a key of "SetResponse". @return the exchange's result

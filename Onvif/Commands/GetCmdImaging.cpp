@@ -1,11 +1,11 @@
 // The requests of the imaging service (ONVIF Imaging Service).
 #include "GetCmd.h"
 
+#include "OnvifHelper.h"
 #include "OnvifTemplates.h"
 #include "OperationBuilder.h"
 
 #include <cmath>
-#include <cstdio>
 
 namespace
 {
@@ -50,10 +50,7 @@ void AddSetting(COperationBuilder& soap, unsigned int settings, const SettingRow
 std::string FocusSpeed(int percent, const ONVIF_RANGE& range)
 {
     const double bound = percent < 1 ? std::abs(static_cast<double>(range.min)) : static_cast<double>(range.max);
-    const double speed = percent * 0.01 * bound + 0.0; // no "-0"
-    char text[64];
-    std::snprintf(text, sizeof(text), "%4.8f", speed);
-    return text;
+    return COnvifHelper::DecimalText(percent * 0.01 * bound);
 }
 
 } // namespace

@@ -1,11 +1,11 @@
 // The requests of the PTZ service: velocities, presets and preset tours (ONVIF PTZ Service).
 #include "GetCmd.h"
 
+#include "OnvifHelper.h"
 #include "OnvifTemplates.h"
 #include "OperationBuilder.h"
 
 #include <cmath>
-#include <cstdio>
 
 namespace
 {
@@ -28,10 +28,7 @@ const CruiseRow CRUISE_ROWS[] = {
 std::string Velocity(int percent, int min, int max)
 {
     const double bound = std::abs(static_cast<double>(percent > 0 ? max : min));
-    const double velocity = percent * 0.01 * bound + 0.0; // no "-0"
-    char text[64];
-    std::snprintf(text, sizeof(text), "%4.8f", velocity);
-    return text;
+    return COnvifHelper::DecimalText(percent * 0.01 * bound);
 }
 
 void AddVelocity(COperationBuilder& soap, const ONVIF_PTZ_VELOCITY& range)
@@ -69,7 +66,7 @@ void AddTourSpot(COperationBuilder& soap, unsigned int preset, unsigned int tour
         document.AddValue(detail, "tt:Home", "false", false);
         document.AddValue(detail, "tt:PTZPosition", "", false);
     }
-    std::string seconds = "1";
+    std::string seconds;
     const bool given = soap.Request().GetValueStr(preset, "stayTime", seconds);
     document.AddValue(spot, "tt:StayTime", "PT" + (given ? seconds : "1") + "S", false);
 }

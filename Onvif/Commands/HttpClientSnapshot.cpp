@@ -114,7 +114,10 @@ public:
             {
                 return got;
             }
-            NET_SOCKET_WaitRecv(m_handle, std::min(RECEIVE_POLL_MS, RECEIVE_MS - passed));
+            if (!broken)
+            {
+                NET_SOCKET_WaitRecv(m_handle, std::min(RECEIVE_POLL_MS, RECEIVE_MS - passed));
+            }
         }
         return 0;
     }

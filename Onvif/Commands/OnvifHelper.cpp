@@ -8,6 +8,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iomanip>
+#include <locale>
+#include <sstream>
 #include <vector>
 
 namespace
@@ -212,6 +215,23 @@ std::string COnvifHelper::ChangeToXmlTime(long long seconds)
         text += std::to_string(minutes) + "M";
     }
     return text;
+}
+
+std::string COnvifHelper::DecimalText(double number)
+{
+    std::ostringstream text;
+    text.imbue(std::locale::classic());
+    text << std::fixed << std::setprecision(8) << number + 0.0; // no "-0"
+    return text.str();
+}
+
+double COnvifHelper::ReadDecimal(const std::string& text)
+{
+    std::istringstream in(text);
+    in.imbue(std::locale::classic());
+    double number = 0;
+    in >> number;
+    return number;
 }
 
 std::string COnvifHelper::EncodeMotionArea(const unsigned char* data, unsigned int size)

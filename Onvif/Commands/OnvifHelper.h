@@ -1,4 +1,5 @@
-// OnvifHelper.h: masks, durations and motion grids as ONVIF writes them. All operations are static; any thread.
+// OnvifHelper.h: masks, durations, decimals and motion grids as ONVIF writes them. All operations are static; any
+// thread.
 #pragma once
 
 #include <string>
@@ -25,6 +26,11 @@ public:
     /// An ISO 8601 duration of days, hours and minutes; what is left below a minute is not written, so that 45 seconds
     /// read "PT". @return empty for a negative number
     static std::string ChangeToXmlTime(long long seconds);
+
+    /// A number with eight digits behind its point, in any locale of the host, and without a "-" in front of zero.
+    static std::string DecimalText(double number);
+    /// The number at the start of a text, in any locale of the host; 0 when there is none.
+    static double ReadDecimal(const std::string& text);
 
     /// The ActiveCells text of a cell motion detector (ONVIF Analytics Service): the cells as bits, the first in the
     /// highest bit, compressed by PackBits, in Base64.

@@ -4,7 +4,6 @@
 #include "TransformAnswer.h"
 
 #include <cstdio>
-#include <initializer_list>
 
 namespace
 {
@@ -12,13 +11,6 @@ namespace
 // What an encoder can be set to when its device does not say.
 const char* const DEFAULT_MIN_BITRATE = "64";
 const char* const DEFAULT_MAX_BITRATE = "12288";
-
-/// A field of the host's answer and where it stands in the device's document.
-struct FieldRow
-{
-    const char* name;
-    const char* path;
-};
 
 /// An encoding whose settings stand in an element of their own.
 struct CodecRow

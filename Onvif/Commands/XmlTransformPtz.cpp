@@ -1,6 +1,7 @@
 // The answers of the PTZ service: ranges, presets and preset tours.
 #include "XmlTransform.h"
 
+#include "OnvifHelper.h"
 #include "TransformAnswer.h"
 
 #include <algorithm>
@@ -32,7 +33,7 @@ std::string SpeedOf(const COnvifXmlParse& soap, unsigned int speed)
     std::string y;
     soap.GetAttributeStr(panTilt, "x", x);
     soap.GetAttributeStr(panTilt, "y", y);
-    return std::strtod(y.c_str(), nullptr) > std::strtod(x.c_str(), nullptr) ? y : x;
+    return COnvifHelper::ReadDecimal(y) > COnvifHelper::ReadDecimal(x) ? y : x;
 }
 
 void AddSpot(CTransformAnswer& out, unsigned int spot, unsigned int presets)

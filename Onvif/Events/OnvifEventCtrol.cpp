@@ -240,7 +240,7 @@ void COnvifEventCtrol::Deliver(OnvifEventObserver& record)
 /// Calls the host on a change; a state that stays only keeps the alarm.
 void COnvifEventCtrol::Tell(OnvifEventObserver& record, ONVIF_EVENT_TYPE type, bool state)
 {
-    if (record.removed || type == ONVIF_EVENT_UNKNOWN)
+    if (record.removed || record.observer == nullptr || type == ONVIF_EVENT_UNKNOWN)
     {
         return;
     }

@@ -28,7 +28,7 @@ struct OnvifEventObserver
     char pullAddress[ONVIF_ADDRESS_BYTES] = {};         ///< the camera's pull point
 
     CLock eventLock;                              ///< after the map's lock; nothing is called under it
-    CONVIFAlarmStateObserver* observer = nullptr; ///< the host's
+    CONVIFAlarmStateObserver* observer = nullptr; ///< the host's; null: nobody is told
     std::unique_ptr<CEventParse> parser;          ///< null unless pulling
     std::unique_ptr<std::list<OnvifEvent>> events GUARDED_BY(eventLock); ///< not yet delivered; null once removed
 

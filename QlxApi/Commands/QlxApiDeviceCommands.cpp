@@ -22,7 +22,19 @@ const int USERS_MAX = 16;
 const int CHANNELS_MAX = 128;
 const size_t PASSWORD_MAX = 64; // decoded bytes
 
+struct CAPABILITY_ROW
+{
+    NETNS::DEV_RET (CDevInterface::*ask)(bool& supported);
+    const char* path; ///< "false" in the template
+};
+
 // clang-format off
+const CAPABILITY_ROW CAPABILITIES[] = { // asked for in this order
+    {&CDevInterface::GetIntegratedPtz,   "deviceInfo/integratedPtz"  },
+    {&CDevInterface::GetSupportRS485Ptz, "deviceInfo/supportRS485Ptz"},
+    {&CDevInterface::GetSupportSDCard,   "deviceInfo/supportSDCard"  },
+};
+
 // The texts go out as plain text, although the template holds CDATA sections.
 const QLX_API_FIELD<TIME> TIME_FIELDS[] = {
     TextField<&TIME::timeZone, QLX_API_PLAIN, QLX_API_REFUSE> ("time/timezoneInfo/timeZone"),
@@ -100,20 +112,13 @@ int CQLXApiProc::GetDeviceInfo(const std::string& ip, const CHttpProtocolAnalyse
     document.SetValue("deviceInfo/audioInCount", info.audioInCount);
     document.SetValue("deviceInfo/audioOutCount", info.audioOutCount);
     bool supported = false;
-    m_dev->GetIntegratedPtz(supported);
-    if (supported)
+    for (const CAPABILITY_ROW& row : CAPABILITIES)
     {
-        document.SetValue("deviceInfo/integratedPtz", "true", false);
-    }
-    m_dev->GetSupportRS485Ptz(supported);
-    if (supported)
-    {
-        document.SetValue("deviceInfo/supportRS485Ptz", "true", false);
-    }
-    m_dev->GetSupportSDCard(supported);
-    if (supported)
-    {
-        document.SetValue("deviceInfo/supportSDCard", "true", false);
+        (m_dev->*row.ask)(supported);
+        if (supported)
+        {
+            document.SetValue(row.path, "true", false);
+        }
     }
     document.SetValue("deviceInfo/alarmInCount", info.alarmInCount);
     document.SetValue("deviceInfo/alarmOutCount", info.alarmOutCount);
@@ -141,7 +146,7 @@ int CQLXApiProc::GetDateAndTime(const std::string& ip, const CHttpProtocolAnalys
         return -1;
     }
     char now[TIME_SIZE];
-    Time2Str(static_cast<long>(std::time(nullptr)), now);
+    Time2Str(std::time(nullptr), now);
 
     CQLXXMLParse document(CQlxApiXmlFmt::GetDateAndTime());
     FillFields(document, TIME_FIELDS, config);

@@ -2,6 +2,7 @@
 
 #include "NC_Socket.h"
 #include "PFAssert.h"
+#include "PFHelper.h"
 #include "PubHelper.h"
 #include "RTSP_ClientSession.h"
 #include "RTSP_Console.h"
@@ -23,6 +24,9 @@ namespace
 
 /// Connections taken in one call; what is left is taken in the next round.
 constexpr int ACCEPTS_PER_ROUND = 64;
+
+/// Without a pause after a failure the loop would turn as fast as it can: the connection still waits.
+constexpr unsigned int REST_MS = 50;
 
 /// Every port of the range once.
 constexpr int BIND_ATTEMPTS = CRTSP_Server::LAST_UDP_PORT - CRTSP_Server::FIRST_UDP_PORT + 1;
@@ -73,6 +77,7 @@ int CRTSP_Server::Stop_RTSP_Server()
         session->Destroy();
     }
     m_stopping = false;
+    m_scheduler.DelWaiter(this);
     m_scheduler.DelSockHandler(m_sock);
     NC_CloseSocket(m_sock);
     m_started = false;
@@ -103,6 +108,8 @@ bool CRTSP_Server::AcceptOne()
     int ip = 0;
     unsigned short port = 0;
     int sock = NC_Accept(m_sock, &ip, &port);
+    if (sock < 0)
+        Rest();
     if (sock < 1)
         return false;
     char ipText[16];
@@ -128,6 +135,22 @@ bool CRTSP_Server::AcceptOne()
     }
     RTSP_ConsoleLine("+++++++++++++++++++++m_sessionList.size() = %d\n", static_cast<int>(m_sessionList.size()));
     return true;
+}
+
+void CRTSP_Server::Rest()
+{
+    m_restEnd = CPFHelper::GetTickCount() + REST_MS;
+    m_scheduler.DelSockHandler(SOCK_HANDLER_ACCEPT, m_sock);
+    m_scheduler.AddWaiter(this, m_restEnd);
+}
+
+int CRTSP_Server::HandleWait(unsigned int now)
+{
+    if (static_cast<int>(now - m_restEnd) < 0)
+        return HANDLER_NOTHING;
+    m_scheduler.DelWaiter(this);
+    m_scheduler.AddSockHandler(SOCK_HANDLER_ACCEPT, m_sock, this, -1);
+    return HANDLER_NOTHING;
 }
 
 int CRTSP_Server::HandleRecv()
@@ -160,6 +183,8 @@ int CRTSP_Server::HandleTimeOut(int iTypeMask)
     Destroy();
     return HANDLER_GONE;
 }
+
+void CRTSP_Server::Fail() {}
 
 void CRTSP_Server::CloseSocket()
 {

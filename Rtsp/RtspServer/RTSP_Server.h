@@ -34,7 +34,9 @@ public:
     int HandleSend() override;
     int HandleConnected() override;
     int HandleTimeOut(int iTypeMask) override;
+    void Fail() override; ///< the port stays open: the next connection may find memory
     void CloseSocket() override;
+    int HandleWait(unsigned int now) override; ///< a failed accept is a while ago
 
     /// @return the first session whose GET carried this tunnel cookie, null when there is none or the cookie is empty
     /// @param asking  never the result
@@ -71,11 +73,13 @@ private:
     ~CRTSP_Server() override = default;
 
     bool AcceptOne();
+    void Rest();
     int BindUnicast(int sock);
     int JoinMulticast(int sock, const char* group, unsigned short port);
 
     bool m_started = false;
     bool m_stopping = false;
+    unsigned int m_restEnd = 0; ///< tick, while it is one of the scheduler's waiters
     char m_localAddress[128] = {}; ///< handed to every session; stays empty
     std::list<CRTSP_ClientSession*> m_sessionList;
     unsigned short m_nextPort = FIRST_UDP_PORT;

@@ -112,7 +112,7 @@ class Examples(unittest.TestCase):
                  if "```console\n" in path.read_text()}
         api = {"api/%s.md" % name
                for name in ("alarms", "device", "image", "network", "ptz", "recordings", "streams")}
-        self.assertEqual({"camera.md", "rtsp.md", "onvif-client.md"} | api, pages)
+        self.assertEqual({"camera.md", "getting-started.md", "rtsp.md", "onvif-client.md"} | api, pages)
 
 
 if __name__ == "__main__":

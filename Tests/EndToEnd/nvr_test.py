@@ -253,7 +253,7 @@ class Failures(unittest.TestCase):
                                      (["get", "imageOpts"], None), (["get", "profile"], None), (["goto", "1"], None),
                                      (["set", "-"], set_document("<ipv4/><ptzStop/>"))]:
                 self.assertEqual((2, "", "netserver-nvr: this needs a profile with a video encoder, and the camera has "
-                                         "none\n"), camera.run(*command, text_in=text_in), command)
+                                         "none; 'login' lists what it has\n"), camera.run(*command, text_in=text_in), command)
             self.assertIn("there is no profile 0", camera.run("snapshot", "0", "/dev/null")[2])
 
     def test_a_refused_login_is_told_with_status_3(self):
@@ -267,7 +267,8 @@ class Failures(unittest.TestCase):
             port = free.getsockname()[1]
         status, _, err = nvr.run("--host", "127.0.0.1", "--port", str(port), "login")
         self.assertEqual(3, status)
-        self.assertIn("gave no answer to GetServices", err)
+        self.assertEqual(1, err.count("\n"), err)
+        self.assertIn("127.0.0.1:%d gave no answer to GetProfiles" % port, err)
         self.assertIn("login failed with code 4: no answer that can be read: check --host and --port", err)
 
     def test_a_web_server_is_told_with_status_3(self):

@@ -70,6 +70,12 @@ void FakeSocketService::ScriptSends(int handle, std::deque<int> results, bool br
     m_connections[handle].sendBreaks = broken;
 }
 
+void FakeSocketService::ScriptConnects(std::deque<Outgoing> connects)
+{
+    std::lock_guard<std::mutex> lock(m_lock);
+    m_connects = std::move(connects);
+}
+
 bool FakeSocketService::AwaitDestroyed(int handle)
 {
     std::unique_lock<std::mutex> lock(m_lock);
@@ -106,6 +112,12 @@ int FakeSocketService::Reads(int handle)
     return m_connections[handle].reads;
 }
 
+int FakeSocketService::Polls(int handle)
+{
+    std::lock_guard<std::mutex> lock(m_lock);
+    return m_connections[handle].polls;
+}
+
 std::vector<std::string> FakeSocketService::TakeCalls()
 {
     std::lock_guard<std::mutex> lock(m_lock);
@@ -123,6 +135,13 @@ void FakeSocketService::Quit()
 {
     std::lock_guard<std::mutex> lock(m_lock);
     m_calls.push_back("quit");
+}
+
+bool FakeSocketService::AwaitCall(const std::string& call)
+{
+    std::unique_lock<std::mutex> lock(m_lock);
+    return m_changed.wait_for(lock, LIMIT,
+                              [&] { return std::find(m_calls.begin(), m_calls.end(), call) != m_calls.end(); });
 }
 
 bool FakeSocketService::StartListen(unsigned short port, unsigned int address, bool reuse)
@@ -186,6 +205,7 @@ bool FakeSocketService::WaitRecv(int handle, unsigned int timeoutMs)
 
 int FakeSocketService::Send(int handle, const char* data, int length, bool& broken)
 {
+    Note("send", handle);
     std::lock_guard<std::mutex> lock(m_lock);
     Connection& connection = m_connections[handle];
     int result = length;
@@ -201,10 +221,50 @@ int FakeSocketService::Send(int handle, const char* data, int length, bool& brok
 
 void FakeSocketService::Destroy(int handle)
 {
+    Note("destroy", handle);
     std::lock_guard<std::mutex> lock(m_lock);
     m_connections[handle].destroyed = true;
     m_connections[handle].endedMs = m_clock.Now();
     m_changed.notify_all();
+}
+
+int FakeSocketService::AddConnect(const std::string& address, unsigned short port)
+{
+    std::lock_guard<std::mutex> lock(m_lock);
+    m_calls.push_back("connect " + address + " " + std::to_string(port));
+    if (m_connects.empty())
+    {
+        return 0;
+    }
+    Connection& connection = m_connections[++m_lastHandle];
+    connection.isOutgoing = true;
+    connection.arrivals = std::move(m_connects.front().arrivals);
+    connection.outcome = m_connects.front().outcome;
+    connection.beganMs = m_clock.Now();
+    m_connects.pop_front();
+    return m_lastHandle;
+}
+
+bool FakeSocketService::PopConnectResult(int handle, int& result, unsigned int timeoutMs)
+{
+    std::lock_guard<std::mutex> lock(m_lock);
+    Connection& connection = m_connections[handle];
+    ++connection.polls;
+    result = connection.outcome;
+    m_clock.Advance(result == 0 ? timeoutMs : 0);
+    return connection.isOutgoing;
+}
+
+bool FakeSocketService::Note(const std::string& call, int handle)
+{
+    std::lock_guard<std::mutex> lock(m_lock);
+    const bool isOutgoing = m_connections[handle].isOutgoing;
+    if (isOutgoing)
+    {
+        m_calls.push_back(call + " " + std::to_string(handle));
+        m_changed.notify_all();
+    }
+    return isOutgoing;
 }
 
 bool NET_SOCKET_Initial(const char*)
@@ -270,40 +330,49 @@ void NET_SOCKET_Inet_ntoa(unsigned int address, char* text)
     inet_ntop(AF_INET, &word, text, INET_ADDRSTRLEN);
 }
 
-int NET_SOCKET_AddConnect(unsigned int, const char*, unsigned short)
+int NET_SOCKET_AddConnect(unsigned int, const char* address, unsigned short port)
 {
-    return 0;
+    return current->AddConnect(address, port);
 }
 
-bool NET_SOCKET_PopConnectResult(int, int&, unsigned int)
+bool NET_SOCKET_PopConnectResult(int handle, int& result, unsigned int timeoutMs)
 {
-    return false;
+    return current->PopConnectResult(handle, result, timeoutMs);
 }
 
-void NET_SOCKET_DelConnect(int) {}
-
-bool NET_SOCKET_RegisterNode(int, CSocketDataObserver*, void*, int, int)
+void NET_SOCKET_DelConnect(int handle)
 {
-    return false;
+    current->Note("give up", handle);
 }
 
-bool NET_SOCKET_Start(int)
+bool NET_SOCKET_RegisterNode(int handle, CSocketDataObserver*, void*, int option1, int option2)
 {
-    return false;
+    return current->Note("register " + std::to_string(option1) + " " + std::to_string(option2), handle);
 }
 
-bool NET_SOCKET_Stop(int)
+bool NET_SOCKET_Start(int handle)
 {
-    return false;
+    return current->Note("start", handle);
 }
 
-bool NET_SOCKET_UnRegisterNode(int)
+bool NET_SOCKET_Stop(int handle)
 {
-    return false;
+    return current->Note("stop node", handle);
 }
 
-int NET_SOCKET_SimpleClientComm(const char*, unsigned short, const char*, unsigned int, char*, unsigned int,
-                                const char*, unsigned int)
+bool NET_SOCKET_UnRegisterNode(int handle)
 {
-    return -1;
+    return current->Note("unregister", handle);
+}
+
+int NET_SOCKET_SimpleClientComm(const char*, unsigned short, const char* send, unsigned int sendLen, char* recv,
+                                unsigned int recvSize, const char*, unsigned int)
+{
+    const std::string answer = current->exchange ? current->exchange(std::string(send, sendLen)) : "";
+    if (answer.empty() || answer.size() >= recvSize)
+    {
+        return -1;
+    }
+    std::memcpy(recv, answer.c_str(), answer.size() + 1);
+    return static_cast<int>(answer.size());
 }

@@ -8,6 +8,7 @@
 
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -19,6 +20,19 @@ struct Arrival
     unsigned int afterMs; ///< since the connection was made
     std::string data;     ///< empty: nothing
     bool broken = false;  ///< the read sets the flag
+};
+
+/// What one outgoing connection comes to.
+struct Outgoing
+{
+    enum OUTCOME
+    {
+        REFUSED = -1,
+        PENDING = 0, ///< for ever
+        CONNECTED = 1,
+    };
+    OUTCOME outcome = CONNECTED;
+    std::vector<Arrival> arrivals = {};
 };
 
 class FakeSocketService
@@ -38,6 +52,11 @@ public:
     /// Results of the next sends; those behind the last take everything. @param broken  the last one sets the flag
     void ScriptSends(int handle, std::deque<int> results, bool broken = false);
 
+    /// The next outgoing connections, in order; behind the last the service is down for them.
+    void ScriptConnects(std::deque<Outgoing> connects);
+    /// Answers blocking exchanges; an empty answer, and every one without this, is none. Set before the first one.
+    std::function<std::string(const std::string& request)> exchange;
+
     bool AwaitDestroyed(int handle);
     bool AwaitHeld(int count);
     bool IsDestroyed(int handle);
@@ -45,8 +64,13 @@ public:
     /// Milliseconds that the connection lived.
     unsigned int LifetimeMs(int handle);
     int Reads(int handle);
-    /// "initial", "listen 80 0 1", "stop 80", "quit", in order; taken out.
+    /// How often an outgoing connection was asked after.
+    int Polls(int handle);
+    /// "initial", "listen 80 0 1", "stop 80", "quit", in order; taken out. Of outgoing connections "connect 10.0.0.1 80",
+    /// "give up 1", "register 1 1 1" (its handle last), "start 1", "send 1", "stop node 1", "unregister 1" and
+    /// "destroy 1" too.
     std::vector<std::string> TakeCalls();
+    bool AwaitCall(const std::string& call);
 
     bool initialSucceeds = true;
     bool listenSucceeds = true;
@@ -60,6 +84,10 @@ public:
     bool WaitRecv(int handle, unsigned int timeoutMs);
     int Send(int handle, const char* data, int length, bool& broken);
     void Destroy(int handle);
+    int AddConnect(const std::string& address, unsigned short port);
+    bool PopConnectResult(int handle, int& result, unsigned int timeoutMs);
+    /// An operation on a connection. @return whether it is an outgoing one
+    bool Note(const std::string& call, int handle);
 
 private:
     struct Connection
@@ -70,7 +98,10 @@ private:
         unsigned int endedMs = 0;
         bool held = false;
         bool destroyed = false;
+        bool isOutgoing = false;
+        Outgoing::OUTCOME outcome = Outgoing::REFUSED;
         int reads = 0;
+        int polls = 0;
         std::string sent;
         std::deque<int> sendResults;
         bool sendBreaks = false;
@@ -82,6 +113,7 @@ private:
     std::mutex m_lock;
     std::condition_variable m_changed;
     std::map<int, Connection> m_connections;
+    std::deque<Outgoing> m_connects;
     std::vector<std::string> m_calls;
     int m_lastHandle = 0;
     int m_held = 0;

@@ -103,7 +103,8 @@ DEV_RET CCameraDevice::Apply(DEV_RET checked, SettingsTopic topic, const Change&
     }
     if (!m_parts.store.Save(topic, changed))
     {
-        Say("a setting could not be stored and stays as it was");
+        Say("a setting could not be stored and stays as it was; check the free space in the data directory, and its "
+            "rights");
         return DEV_RET_FAILED;
     }
     m_settings = changed;

@@ -120,6 +120,7 @@ void CRecorder::Complain(const std::string& what)
     if (!m_complained)
     {
         m_complained = true;
-        Say(what + " '" + m_segment.path + "'; trying again with each key frame");
+        Say(what + " '" + m_segment.path +
+            "'; trying again with each key frame; a full disk needs room, or a smaller --record-limit");
     }
 }

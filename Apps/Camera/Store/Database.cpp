@@ -8,6 +8,7 @@ namespace
 {
 
 constexpr int BUSY_LIMIT_MS = 5000; // another process, like a person's sqlite3, may hold the file for a moment
+constexpr const char* CHECK_RIGHTS = "check the rights of its directory and the free space there";
 
 std::string Quoted(const std::string& path)
 {
@@ -88,7 +89,7 @@ bool CDatabase::Open(const std::string& path, const std::vector<const char*>& mi
     const int opened = sqlite3_open_v2(path.c_str(), &m_database, flags, nullptr);
     if (opened != SQLITE_OK)
     {
-        problem = Quoted(path) + " cannot be opened: " + LastProblem();
+        problem = Quoted(path) + " cannot be opened: " + LastProblem() + "; " + CHECK_RIGHTS;
         return false;
     }
     sqlite3_busy_timeout(m_database, BUSY_LIMIT_MS);
@@ -102,7 +103,7 @@ bool CDatabase::Open(const std::string& path, const std::vector<const char*>& mi
         Execute("BEGIN IMMEDIATE") && Execute("COMMIT");
     if (!ready || sqlite3_db_readonly(m_database, "main") != 0)
     {
-        problem = Quoted(path) + " cannot be written: " + LastProblem();
+        problem = Quoted(path) + " cannot be written: " + LastProblem() + "; " + CHECK_RIGHTS;
         return false;
     }
     return Migrate(migrations, problem);

@@ -47,7 +47,7 @@ bool CWavFile::Open(const std::string& path, std::string& problem)
     m_file = std::fopen(path.c_str(), "wbe");
     if (m_file == nullptr || !WriteHeader() || std::fflush(m_file) != 0)
     {
-        problem = "'" + path + "' cannot be written: " + std::strerror(errno);
+        problem = "'" + path + "' cannot be written: " + std::strerror(errno) + "; give --talk-out another file";
         return false;
     }
     return true;

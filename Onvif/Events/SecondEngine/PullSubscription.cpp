@@ -9,6 +9,7 @@
 #include "XmlTransform.h"
 
 #include <cstring>
+#include <utility>
 
 namespace
 {
@@ -16,8 +17,6 @@ namespace
 constexpr unsigned int TERM_SECONDS = 60;
 constexpr unsigned int MESSAGE_LIMIT = 2;
 constexpr int CONNECT_POLLS = 15;
-constexpr unsigned int REOPEN_PAUSE_MS = 200;
-constexpr unsigned int RETRY_PAUSE_MS = 50 * 200;
 constexpr unsigned int ALARM_IN_INDEX = 1;
 
 constexpr int ANSWER_BYTES = 8192; ///< its zero byte included
@@ -42,20 +41,29 @@ CPullSubscription::CPullSubscription(unsigned int token, CONVIFAlarmStateObserve
 
 int CPullSubscription::Start()
 {
-    m_running = true;
-    m_thread = SHARESDK_CreateRunOneThread(ThreadProc, this, false, __FILE__, __LINE__, "pull point");
-    m_started = true;
+    const CMySingleLock lock(m_lock);
+    if (!m_started && !m_stopped)
+    {
+        m_running = true;
+        m_thread = SHARESDK_CreateRunOneThread(ThreadProc, this, false, __FILE__, __LINE__, "pull point");
+        m_started = true;
+    }
     return 1;
 }
 
 int CPullSubscription::Stop()
 {
-    m_running = false;
-    m_stop.SetEvent();
-    if (m_started && m_thread != 0)
+    unsigned int thread = 0;
     {
-        SHARESDK_DestroyThread(m_thread, __FILE__, __LINE__);
-        m_thread = 0;
+        const CMySingleLock lock(m_lock);
+        m_stopped = true;
+        m_running = false;
+        thread = std::exchange(m_thread, 0U);
+    }
+    m_stop.SetEvent();
+    if (thread != 0)
+    {
+        SHARESDK_DestroyThread(thread, __FILE__, __LINE__);
     }
     return 1;
 }

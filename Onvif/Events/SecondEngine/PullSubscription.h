@@ -4,8 +4,10 @@
 // told, whether or not it is a change. The host is called on the subscription's thread.
 #pragma once
 
+#include "Lock.h"
 #include "MyEvent.h"
 #include "SubscriptionRequests.h"
+#include "ThreadAnnotations.h"
 
 #include <atomic>
 
@@ -14,13 +16,17 @@ class CONVIFAlarmStateObserver;
 class CPullSubscription
 {
 public:
+    static constexpr unsigned int REOPEN_PAUSE_MS = 200;  ///< behind a pull point that was lost
+    static constexpr unsigned int RETRY_PAUSE_MS = 10000; ///< behind one that the camera did not open
+
     /// @param observer  borrowed until Stop
     CPullSubscription(unsigned int token, CONVIFAlarmStateObserver* observer);
     virtual ~CPullSubscription() = default;
     CPullSubscription(const CPullSubscription&) = delete;
     CPullSubscription& operator=(const CPullSubscription&) = delete;
 
-    int Start(); ///< @return 1
+    /// Once; a subscription that was stopped does not start, whichever of two threads came first. @return 1
+    int Start();
     /// Waits for the thread; not to be called from the host's callback. @return 1
     int Stop();
 
@@ -38,10 +44,13 @@ private:
     void Pause(unsigned int ms);
 
     const unsigned int m_token;
-    unsigned int m_thread = 0;
     CONVIFAlarmStateObserver* const m_observer;
     std::atomic<bool> m_running{false};
-    bool m_started = false;
-    char m_address[ONVIF_ADDRESS_BYTES] = {};
-    CMyEvent m_stop{true}; ///< ends a pause
+    char m_address[ONVIF_ADDRESS_BYTES] = {}; ///< the thread's
+    CMyEvent m_stop{true};                    ///< ends a pause
+
+    CLock m_lock; ///< never held while the thread is waited for
+    unsigned int m_thread GUARDED_BY(m_lock) = 0;
+    bool m_started GUARDED_BY(m_lock) = false;
+    bool m_stopped GUARDED_BY(m_lock) = false;
 };

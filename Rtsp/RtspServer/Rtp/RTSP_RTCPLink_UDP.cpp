@@ -18,6 +18,11 @@ int CRTSP_RTCPLink_UDP::HandleTimeOut(int iTypeMask)
     return m_session->HandleTimeOut(iTypeMask);
 }
 
+void CRTSP_RTCPLink_UDP::Fail()
+{
+    m_session->Destroy();
+}
+
 void CRTSP_RTCPLink_UDP::CloseSocket()
 {
     RTSP_ConsoleLine("RTcP sock %d\n", m_sock);

@@ -9,6 +9,7 @@ public:
     static CRTSP_RTCPLink* Create_RTSP_RTCPLink_UDP(const RTCP_LINK_CFG& cfg);
 
     int HandleTimeOut(int iTypeMask) override;
+    void Fail() override; ///< ends the session, which ends the link
     void CloseSocket() override;
     void CRTSP_Erase(CRTSP_ClientSession* session) override;
     int SendData(const char* data, int length) override;

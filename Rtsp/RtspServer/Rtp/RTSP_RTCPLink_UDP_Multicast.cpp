@@ -48,6 +48,11 @@ int CRTSP_RTCPLink_UDP_Multicast::HandleTimeOut(int iTypeMask)
     return HANDLER_GONE;
 }
 
+void CRTSP_RTCPLink_UDP_Multicast::Fail()
+{
+    HandleTimeOut(SOCK_HANDLER_SEND);
+}
+
 void CRTSP_RTCPLink_UDP_Multicast::CloseSocket()
 {
     RTSP_ConsoleLine("Multicast RTcP sock %d\n", m_sock);

@@ -13,6 +13,7 @@ public:
 
     void Destroy() override; ///< ends the link with its last user
     int HandleTimeOut(int iTypeMask) override;
+    void Fail() override; ///< ends every user's session, and the link with the last
     void CloseSocket() override;
     void RTSP_RTCPLink_Start(CRTSP_RTPLink* rtp) override; ///< the first start counts
     void RTSP_RTCPLink_Stop() override;                    ///< the last stop counts

@@ -18,6 +18,11 @@ int CRTSP_RTPLink_UDP::HandleTimeOut(int iTypeMask)
     return m_session->HandleTimeOut(iTypeMask);
 }
 
+void CRTSP_RTPLink_UDP::Fail()
+{
+    m_session->Destroy();
+}
+
 void CRTSP_RTPLink_UDP::CloseSocket()
 {
     RTSP_ConsoleLine("RTP sock %d\n", m_sock);

@@ -49,6 +49,11 @@ int CRTSP_RTPLink_UDP_Multicast::HandleTimeOut(int iTypeMask)
     return HANDLER_GONE;
 }
 
+void CRTSP_RTPLink_UDP_Multicast::Fail()
+{
+    HandleTimeOut(SOCK_HANDLER_SEND);
+}
+
 void CRTSP_RTPLink_UDP_Multicast::CloseSocket()
 {
     RTSP_ConsoleLine("Multicast RTP sock %d\n", m_sock);

@@ -133,6 +133,8 @@ private:
                   const std::string& source);
     void SetUpTcp(SUB_SESSION_STREAM_INFO& track, const RTSP_TRANSPORT& transport, unsigned int cseq,
                   const std::string& source);
+    void AnswerSetup(unsigned int cseq, const std::string& beforeDate, const std::string& transport,
+                     const std::string& behindTransport);
     std::string SourceAddress(const char* request) const;
 
     void RTP_RTCP_Start(SUB_SESSION_STREAM_INFO& track);

@@ -19,7 +19,6 @@
 #include <cinttypes>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 namespace
@@ -55,11 +54,14 @@ bool ReadTime(const std::string& text, NETNS::DEV_TIME& time)
 unsigned int PlaybackChannel(const std::string& url)
 {
     constexpr std::size_t BEHIND_SCHEME = 7;
+    constexpr unsigned int NO_CHANNEL = 0xFFFFFFFFu;
     const std::size_t slash = url.find('/', BEHIND_SCHEME);
-    int channel = -1;
-    if (slash == std::string::npos || std::sscanf(url.c_str() + slash + 1, "%9d", &channel) != 1)
-        channel = -1;
-    return static_cast<unsigned int>(channel);
+    if (slash == std::string::npos)
+        return NO_CHANNEL;
+    const char* number = url.c_str() + slash + 1;
+    char* end = nullptr;
+    std::strtol(number, &end, 10);
+    return end == number ? NO_CHANNEL : static_cast<unsigned int>(RtspParseInt(number));
 }
 
 } // namespace
@@ -356,7 +358,7 @@ bool CRTSP_ClientSession::OpenPlayback(const std::string& url, const char* userT
     NETNS::DEV_TIME time{};
     if (!ReadDate(dateText, date) || !ReadTime(timeText, time))
         return false;
-    const unsigned int timeLen = static_cast<unsigned int>(std::strtol(lengthText.c_str(), nullptr, 10));
+    const unsigned int timeLen = static_cast<unsigned int>(RtspParseInt(lengthText.c_str()));
     unsigned int unused = 0;
     m_streamHandle =
         CRTSP_DataManager::Instance().OpenRecStream(userText, PlaybackChannel(url), date, time, timeLen, unused);

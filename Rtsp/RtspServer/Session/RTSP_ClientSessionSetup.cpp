@@ -134,28 +134,22 @@ bool CRTSP_ClientSession::SetUpUdp(SUB_SESSION_STREAM_INFO& track, const RTSP_TR
 
     const unsigned short rtpPort = track.rtpLink->GetPort();
     const unsigned short rtcpPort = track.rtcpLink->GetPort();
-    const std::string date = DateHeader();
     if (transport.multicast)
     {
-        Answer(cseq,
-               "RTSP/1.0 200 OK\r\nServer: %s\r\nCSeq: %u\r\nLast-Modified: %s\r\nCache-Control: must-revalidate\r\n"
-               "%sTransport: RTP/AVP;multicast;destination=%s;source=%s;port=%hu-%hu;server_port=%hu-%hu;ttl=%d\r\n"
-               "Session: %s%s\r\n\r\n",
-               RTSP_SERVER_NAME, cseq, RTSP_LAST_MODIFIED, date.c_str(), destination, source.c_str(), transport.port1,
-               transport.port2, rtpPort, rtcpPort, track.config.ttl, GetSetupSessionID(), SESSION_TIMEOUT);
+        AnswerSetup(cseq, "",
+                    MulticastTransport(destination, source, transport.port1, transport.port2, rtpPort, rtcpPort,
+                                       track.config.ttl),
+                    "");
         return true;
     }
     std::string dynamicRate;
     if (m_dynamicRate == DYNAMIC_RATE_DONE)
         dynamicRate = RoundTripLine("x-Transport-Options: late-tolerance=1.400000\r\nx-Retransmit: our-retransmit\r\n",
                                     m_probeAnswerTick, m_probeSendTick);
-    Answer(cseq,
-           "RTSP/1.0 200 OK\r\nServer: %s\r\nCSeq: %u\r\nLast-Modified: %s\r\nCache-Control: must-revalidate\r\n"
-           "%sTransport: RTP/AVP;unicast;destination=%s;source=%s;client_port=%hu-%hu;server_port=%hu-%hu;ssrc=%x\r\n"
-           "%sSession: %s%s\r\n\r\n",
-           RTSP_SERVER_NAME, cseq, RTSP_LAST_MODIFIED, date.c_str(), destination, source.c_str(), transport.port1,
-           transport.port2, rtpPort, rtcpPort, track.rtpLink->GetSSRC(), dynamicRate.c_str(), GetSetupSessionID(),
-           SESSION_TIMEOUT);
+    AnswerSetup(cseq, "",
+                UnicastTransport(destination, source, transport.port1, transport.port2, rtpPort, rtcpPort,
+                                 track.rtpLink->GetSSRC()),
+                dynamicRate);
     return true;
 }
 
@@ -176,10 +170,17 @@ void CRTSP_ClientSession::SetUpTcp(SUB_SESSION_STREAM_INFO& track, const RTSP_TR
     if (m_dynamicRate == DYNAMIC_RATE_DONE)
         dynamicRate =
             RoundTripLine("x-Transport-Options: late-tolerance=1.400000\r\n", m_probeAnswerTick, m_probeSendTick);
+    AnswerSetup(cseq, dynamicRate, InterleavedTransport(m_peerAddress, source, transport.chn1, transport.chn2, ssrc),
+                "");
+}
+
+/// The lines of the dynamic rate stand in front of the date for TCP, and behind the transport for UDP.
+void CRTSP_ClientSession::AnswerSetup(unsigned int cseq, const std::string& beforeDate, const std::string& transport,
+                                      const std::string& behindTransport)
+{
     Answer(cseq,
            "RTSP/1.0 200 OK\r\nServer: %s\r\nCSeq: %u\r\nLast-Modified: %s\r\nCache-Control: must-revalidate\r\n"
-           "%s%sTransport: RTP/AVP/TCP;unicast;destination=%s;source=%s;interleaved=%" PRIu32 "-%" PRIu32
-           ";ssrc=%x\r\nSession: %s%s\r\n\r\n",
-           RTSP_SERVER_NAME, cseq, RTSP_LAST_MODIFIED, dynamicRate.c_str(), DateHeader().c_str(), m_peerAddress,
-           source.c_str(), transport.chn1, transport.chn2, ssrc, GetSetupSessionID(), SESSION_TIMEOUT);
+           "%s%s%s%sSession: %s%s\r\n\r\n",
+           RTSP_SERVER_NAME, cseq, RTSP_LAST_MODIFIED, beforeDate.c_str(), DateHeader().c_str(), transport.c_str(),
+           behindTransport.c_str(), GetSetupSessionID(), SESSION_TIMEOUT);
 }

@@ -3,7 +3,17 @@
 #include "PubHelper.h"
 
 #include <algorithm>
+#include <cinttypes>
+#include <cstdio>
 #include <cstring>
+
+namespace
+{
+
+/// Addresses are of 127 bytes at most.
+constexpr std::size_t MAX_TRANSPORT_BYTES = 512;
+
+} // namespace
 
 std::string DateHeader()
 {
@@ -49,6 +59,38 @@ std::string TextForLog(const char* text)
             shown.resize(user); // the cut may have taken the "@"
     }
     return shown;
+}
+
+std::string UnicastTransport(const std::string& destination, const std::string& source, unsigned short port1,
+                             unsigned short port2, unsigned short rtpPort, unsigned short rtcpPort, std::uint32_t ssrc)
+{
+    char line[MAX_TRANSPORT_BYTES];
+    std::snprintf(line, sizeof(line),
+                  "Transport: RTP/AVP;unicast;destination=%s;source=%s;client_port=%hu-%hu;server_port=%hu-%hu;"
+                  "ssrc=%" PRIx32 "\r\n",
+                  destination.c_str(), source.c_str(), port1, port2, rtpPort, rtcpPort, ssrc);
+    return line;
+}
+
+std::string MulticastTransport(const std::string& group, const std::string& source, unsigned short port1,
+                               unsigned short port2, unsigned short rtpPort, unsigned short rtcpPort, int ttl)
+{
+    char line[MAX_TRANSPORT_BYTES];
+    std::snprintf(line, sizeof(line),
+                  "Transport: RTP/AVP;multicast;destination=%s;source=%s;port=%hu-%hu;server_port=%hu-%hu;ttl=%d\r\n",
+                  group.c_str(), source.c_str(), port1, port2, rtpPort, rtcpPort, ttl);
+    return line;
+}
+
+std::string InterleavedTransport(const std::string& destination, const std::string& source, std::uint32_t channel1,
+                                 std::uint32_t channel2, std::uint32_t ssrc)
+{
+    char line[MAX_TRANSPORT_BYTES];
+    std::snprintf(line, sizeof(line),
+                  "Transport: RTP/AVP/TCP;unicast;destination=%s;source=%s;interleaved=%" PRIu32 "-%" PRIu32
+                  ";ssrc=%" PRIx32 "\r\n",
+                  destination.c_str(), source.c_str(), channel1, channel2, ssrc);
+    return line;
 }
 
 void ReadCookies(const char* text, char (&cookie)[51], char (&cookieInPost)[51])

@@ -162,6 +162,8 @@ int NC_Accept(int sock, int* ip, unsigned short* port)
             RefuseWithReserve(sock);
         return -1;
     }
+    if (g_reserveDescriptor == -1)
+        OpenReserve(); // lost while there was none
     if (ip != nullptr)
         *ip = static_cast<int>(peer.sin_addr.s_addr);
     if (port != nullptr)

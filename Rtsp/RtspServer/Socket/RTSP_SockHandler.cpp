@@ -18,6 +18,11 @@ int CRTSP_SockHandler::HandleWait(unsigned int /*now*/)
     return HANDLER_NOTHING;
 }
 
+void CRTSP_SockHandler::Fail()
+{
+    Destroy();
+}
+
 int CRTSP_SockHandler::GetSockName(int* ip, unsigned short* port) const
 {
     return NC_GetSockName(m_sock, ip, port);

@@ -53,6 +53,9 @@ public:
     /// @return HANDLER_GONE when the handler or any other may be gone
     virtual int HandleWait(unsigned int now);
 
+    /// A callback ran out of memory: ends the handler, or whoever owns it.
+    virtual void Fail();
+
     int GetSockName(int* ip, unsigned short* port) const;
     int GetSockName(char* ipText, unsigned short* port) const;
     int GetPeerName(int* ip, unsigned short* port) const;

@@ -38,7 +38,7 @@ int Guarded(CRTSP_SockHandler* handler, Callback callback)
     catch (const std::exception& failure)
     {
         SHARESDK_AbnormalOutput(failure.what(), __FILE__, __LINE__);
-        handler->Destroy();
+        handler->Fail();
         return HANDLER_GONE;
     }
 }
@@ -278,10 +278,10 @@ bool CRTSP_SockScheduler::Wait(unsigned int now)
     int ready = poll(m_pollSet.data(), m_pollSet.size(), WaitMs(now));
     if (ready == -1)
     {
-        if (errno == EINTR)
-            return false;
+        const bool interrupted = errno == EINTR;
         SHARESDK_NormalOutput(" select err.", __FILE__, __LINE__);
-        poll(nullptr, 0, MAX_WAIT_MS); // a wake-up that nobody takes away would not let it wait
+        if (!interrupted)
+            poll(nullptr, 0, MAX_WAIT_MS); // a wake-up that nobody takes away would not let it wait
         return false;
     }
     if (m_pollSet.front().revents != 0)
@@ -366,7 +366,7 @@ bool CRTSP_SockScheduler::DispatchRecv(int sock, HANDLER_INFO& info, unsigned in
             return true;
         info.lastRecvTick = now;
         Guarded(info.handler, [&info] { return info.handler->HandleAccept(); });
-        return true;
+        return false;
     }
     if ((info.iHandlerMask & SOCK_HANDLER_RECV) != 0 && TakeReady(sock, READY_READ))
     {

@@ -95,14 +95,22 @@ TEST_F(HttpLife, QuitLeavesNothingThatAnswers)
     EXPECT_FALSE(Peer(m_port).IsOpen());
 }
 
+// No search is in service: nothing is ever found.
 TEST_F(HttpLife, SearchQuitEndsTheSocketServiceForAll)
 {
-    EXPECT_EQ(1, ONVIF_SEARCH_Initial(nullptr, nullptr, 0));
+    bool called = false;
+    const auto found = [](char* /*text*/, int /*length*/, const char* /*source*/, void* user)
+    {
+        *static_cast<bool*>(user) = true;
+    };
+    EXPECT_EQ(1, ONVIF_SEARCH_Initial(found, &called, 0));
     EXPECT_EQ(1, ONVIF_SEARCH_StartManual());
+    EXPECT_FALSE(called);
     EXPECT_EQ(1, ONVIF_SEARCH_Set_Config(nullptr, nullptr));
     EXPECT_EQ(NOT_FOUND, Get("/unknown"));
     EXPECT_EQ(1, ONVIF_SEARCH_Quit());
     EXPECT_FALSE(Peer(m_port).IsOpen());
+    EXPECT_FALSE(called);
 }
 
 TEST(NetServerSdk, ConstantResults)

@@ -36,6 +36,23 @@ protected:
         m_simulator->SetManners(manners);
         return DeviceInformation();
     }
+    /// The answer to a device information, with the line of a new chunk in front of each of these places of it.
+    std::string DeviceInformationInChunksAt(const std::vector<std::string>& places)
+    {
+        std::string body = RenderOnvifAnswer({"<tds:GetDeviceInformationResponse><tds:Manufacturer>Works"
+                                              "</tds:Manufacturer><tds:Model>TW-1</tds:Model>"
+                                              "</tds:GetDeviceInformationResponse>",
+                                              "", "", ""},
+                                             {});
+        for (const std::string& place : places)
+        {
+            body.insert(body.find(place), "\r\n2c\r\n"); // how much a chunk announces is not looked at
+        }
+        OnvifManners manners;
+        manners.delivery = OnvifManners::RAW;
+        manners.raw = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1b\r\n" + body + "\r\n0\r\n\r\n";
+        return DeviceInformation(manners);
+    }
     /// An exchange with a limit of its own.
     int Ask(int timeoutMs)
     {
@@ -60,6 +77,33 @@ TEST_F(OnvifExchange, TakesAnAnswerInOneChunk)
     OnvifManners manners;
     manners.delivery = OnvifManners::CHUNKED;
     EXPECT_EQ("0" + DEV_INFO, DeviceInformation(manners));
+}
+
+// The head is not read, so the lines of further chunks stay in the document. Between elements they do no harm.
+TEST_F(OnvifExchange, TakesAnAnswerInChunksThatEndBetweenElements)
+{
+    EXPECT_EQ(
+        "0<devInfo><status>success</status><manufacturer>Works</manufacturer><model>TW-1</model></devInfo>",
+        DeviceInformationInChunksAt({"<tds:Manufacturer>", "<tds:Model>", "</tds:GetDeviceInformationResponse>"}));
+}
+
+TEST_F(OnvifExchange, LeavesTheLineOfAChunkInAValue)
+{
+    EXPECT_EQ("0<devInfo><status>success</status><manufacturer>Works</manufacturer><model>TW2c-1</model></devInfo>",
+              DeviceInformationInChunksAt({"-1</tds:Model>"}));
+}
+
+// As of a document that is cut, nothing is left of one that a chunk breaks.
+TEST_F(OnvifExchange, FindsNothingInAnAnswerWithAChunkThatEndsInATag)
+{
+    EXPECT_EQ("0<devInfo><status>success</status></devInfo>", DeviceInformationInChunksAt({"s:Model>TW"}));
+    EXPECT_EQ("0<devInfo><status>success</status></devInfo>", DeviceInformationInChunksAt({"Manufacturer>Works"}));
+}
+
+// The end is not seen then, but the camera's closing is.
+TEST_F(OnvifExchange, FindsNothingInAnAnswerWithAChunkThatEndsInTheLastTag)
+{
+    EXPECT_EQ("0<devInfo><status>success</status></devInfo>", DeviceInformationInChunksAt({"lope>"}));
 }
 
 TEST_F(OnvifExchange, TakesAnAnswerWithoutALengthOrWithAWrongOne)

@@ -313,6 +313,26 @@ TEST_F(OnvifKeys, StandBelowTheirRootOnly)
         EXPECT_EQ("", answer);
     }
     EXPECT_EQ("<streamCount>2</streamCount>", Get("<!-- a comment is no key --><streamCount><Get/></streamCount>"));
+    EXPECT_EQ("<streamCount>2</streamCount>", Get("<streamCount/></Get><Get><serviceUrl/>")); // the first one counts
+}
+
+// So that a host that begins with null sees whether there is one.
+TEST_F(OnvifKeys, WithoutAnAnswerLeaveTheResponseAsItWas)
+{
+    char before[] = "before";
+    char* response = before;
+    int length = 77;
+    Silence("GetDNS");
+    for (const char* key : {"", "<dns/>", "<profile><index>9</index></profile>", "<streamCount/><dns/>"})
+    {
+        EXPECT_FALSE(m_client->GetCfg(std::string("<Get>") + key + "</Get>", response, &length)) << key;
+        EXPECT_EQ(before, response);
+        EXPECT_EQ(77, length);
+    }
+    EXPECT_TRUE(ONVIF_CLIENT_GetCfg(4711, "<Get><dns/></Get>", response, &length)); // no such login
+    EXPECT_EQ(before, response);
+    EXPECT_FALSE(ONVIF_CLIENT_SetCfg(4711, "<Set><dns/></Set>", response));
+    EXPECT_EQ(nullptr, response);
 }
 
 // The host's mistake, which a test of it would bring to light.
@@ -340,6 +360,19 @@ TEST_F(OnvifKeys, OfAPullGiveTheRequestInsteadOfSendingIt)
     EXPECT_EQ("1024", soap.Text("MessageLimit"));
     EXPECT_EQ("http://10.0.0.1:80/pull/1", soap.HeaderText("To"));
     EXPECT_TRUE(m_simulator->Requests().empty());
+}
+
+// As in every request, and the length is that of what is left.
+TEST_F(OnvifKeys, OfAPullLoseTheirTabs)
+{
+    std::string answer;
+    EXPECT_EQ(0, m_client->PullMessages("<Get><pullMessages><token>http://h/p</token><messageLimit>10\t24"
+                                        "</messageLimit></pullMessages></Get>",
+                                        answer));
+    EXPECT_EQ(std::string::npos, answer.find('\t'));
+    const std::string body = answer.substr(answer.find("\r\n\r\n") + 4);
+    EXPECT_EQ("1024", OnvifSoapRequest(body).Text("MessageLimit"));
+    EXPECT_NE(std::string::npos, answer.find("\r\nContent-Length: " + std::to_string(body.size()) + "\r\n"));
 }
 
 TEST_F(OnvifKeys, OfAPullWithoutAPathGoToTheEvents)

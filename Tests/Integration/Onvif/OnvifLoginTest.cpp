@@ -101,6 +101,40 @@ TEST_F(OnvifLogin, AsksCategoryByCategoryInTheEnd)
               ServiceUrls(token));
 }
 
+// Capabilities without an address are an answer, and not one to work with.
+TEST_F(OnvifLogin, AsksCategoryByCategoryWhenTheCapabilitiesHaveNoAddress)
+{
+    OnvifSimulatorOptions options;
+    options.hasGetServices = false;
+    Start(options).SetAnswer("GetCapabilities", {"<tds:GetCapabilitiesResponse><tds:Capabilities><tt:Media/>"
+                                                 "</tds:Capabilities></tds:GetCapabilitiesResponse>",
+                                                 "", "", ""});
+    Login();
+    std::vector<std::string> calls = {"GetServices" + DEVICE, "GetCapabilities All" + DEVICE};
+    calls.insert(calls.end(), ALL_CATEGORIES.begin(), ALL_CATEGORIES.end());
+    calls.push_back("GetProfiles at onvif/Media");
+    EXPECT_THAT(Calls(), ElementsAreArray(calls));
+}
+
+// A list of services without media and imaging, of a camera that names neither when asked: the profiles are asked for
+// where its device service is.
+TEST_F(OnvifLogin, GoesOnWithoutMediaAndImagingThatNobodyNames)
+{
+    OnvifSimulatorOptions options;
+    options.unlisted = {"mdw", "img"};
+    options.hasCategoryCapabilities = false;
+    Start(options);
+    const unsigned int token = Login();
+    EXPECT_EQ(0u, m_error);
+    EXPECT_THAT(Calls(),
+                ElementsAre("GetServices" + DEVICE, "GetCapabilities All" + DEVICE, "GetCapabilities Media" + DEVICE,
+                            "GetCapabilities Imaging" + DEVICE, "GetProfiles at onvif/device_service",
+                            "GetConfigurationOptions at onvif/ptz_service"));
+    const std::string services = ServiceUrls(token);
+    EXPECT_NE(std::string::npos, services.find("<item service=\"media\">onvif/device_service</item>")) << services;
+    EXPECT_EQ(std::string::npos, services.find("imaging")) << services;
+}
+
 TEST_F(OnvifLogin, TriesTheUsualPathsOfACameraThatTellsNothing)
 {
     OnvifSimulatorOptions options;

@@ -2,9 +2,11 @@
 
 #include "Base64Coder.h"
 #include "RtspWorld.h"
+#include "ShareSDK.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 
 namespace
@@ -449,6 +451,57 @@ TEST_F(RtspAttack, A501ThatNamesATrackIsASetup)
     peer.Send("RTSP/1.0 501trackID=0 x\r\nCSeq: 2\r\nTransport: RTP/AVP/TCP\r\n\r\n");
     EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), 2));
     EXPECT_FALSE(peer.IsClosedNow());
+}
+
+int CountSaid(const std::string& said, const std::string& text)
+{
+    int count = 0;
+    for (std::size_t at = said.find(text); at != std::string::npos; at = said.find(text, at + 1))
+        ++count;
+    return count;
+}
+
+// The connection waits still, so that the listener stays readable: without a rest the loop would turn as fast as it
+// can.
+TEST_F(RtspAttack, WithoutAnyDescriptorTheListenerRestsBetweenItsTries)
+{
+    Peer peer(world.server->GetPort(), [this] { world.Round(); });
+    SHARESDK_AbnormalOutput("the log is open", __FILE__, __LINE__); // it cannot be opened later
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    const rlimit none = {3, limit.rlim_max};
+    testing::internal::CaptureStderr();
+    setrlimit(RLIMIT_NOFILE, &none);
+    world.Rounds(10);
+    clock.Advance(49);
+    world.Rounds(10);
+    clock.Advance(1);
+    world.Rounds(10);
+    setrlimit(RLIMIT_NOFILE, &limit);
+    EXPECT_EQ(2, CountSaid(testing::internal::GetCapturedStderr(), " ASSERT"));
+    clock.Advance(50);
+    world.Rounds(2);
+    peer.Send(Options(1));
+    EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), 1));
+}
+
+// Neither is called any more: the one that waits nor the one that listens.
+TEST_F(RtspAttack, AServerMayStopWhileItRests)
+{
+    Peer peer(world.server->GetPort(), [this] { world.Round(); });
+    SHARESDK_AbnormalOutput("the log is open", __FILE__, __LINE__);
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    const rlimit none = {3, limit.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    world.Rounds(2);
+    setrlimit(RLIMIT_NOFILE, &limit);
+    world.server->Stop_RTSP_Server();
+    clock.Advance(50);
+    world.Rounds(2);
+    EXPECT_TRUE(peer.WaitClosed());
+    world.server->Start_RTSP_Server(0);
+    ExpectThatOthersAreServed();
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace
 {
@@ -35,7 +36,7 @@ protected:
         return method + " " + url + " RTSP/1.0\r\nCSeq: " + std::to_string(++cseq) + "\r\n" + headers + "\r\n";
     }
     std::string Url(const std::string& path) const { return world.Url(path); }
-    std::string Setup(int track, const std::string& transport)
+    std::string SetupTrack(int track, const std::string& transport)
     {
         return Ask(
             Request("SETUP", Url("/live/one/trackID=" + std::to_string(track)), "Transport: " + transport + "\r\n"));
@@ -104,27 +105,54 @@ TEST_F(RtspCommands, DescribeOfAnUnknownUrlCloses)
     EXPECT_TRUE(peer.WaitClosed());
 }
 
-TEST_F(RtspCommands, DescribeOfARecordingOpensItAtTheHost)
+struct PlaybackCase
+{
+    const char* name;
+    const char* url;
+    const char* call; ///< null: not found, nothing is opened
+};
+
+const PlaybackCase PLAYBACK_CASES[] = {
+    {"Whole", "rtsp://h/3?date=2016-1-2&time=8:30:0&timelen=600", "3 2016-1-2 8:30:0 600"},
+    {"SlashAtTheEnd", "rtsp://h/3?date=2016-1-2&time=8:30:0&timelen=600/", "3 2016-1-2 8:30:0 600"},
+    {"TimeInFront", "rtsp://h/3?time=8:30:0&date=2016-1-2&timelen=600", "3 2016-1-2 8:30:0 600"},
+    {"NoChannel", "rtsp://h/x?date=2016-1-2&time=8:30:0&timelen=600", "4294967295 2016-1-2 8:30:0 600"},
+    {"NoPath", "rtsp://h?date=2016-1-2&time=8:30:0&timelen=600", "4294967295 2016-1-2 8:30:0 600"},
+    {"LargestChannel", "rtsp://h/2147483647?date=2016-1-2&time=8:30:0&timelen=1", "2147483647 2016-1-2 8:30:0 1"},
+    {"NegativeChannel", "rtsp://h/-2?date=2016-1-2&time=8:30:0&timelen=1", "4294967294 2016-1-2 8:30:0 1"},
+    {"SlashAtIndexSeven", "rtsp:///7?date=2016-1-2&time=8:30:0&timelen=1", "7 2016-1-2 8:30:0 1"},
+    {"OtherScheme", "abc://x/4/5?date=2016-1-2&time=8:30:0&timelen=1", "4 2016-1-2 8:30:0 1"},
+    {"LengthIsNoNumber", "rtsp://h/3?date=2016-1-2&time=8:30:0&timelen=x", "3 2016-1-2 8:30:0 0"},
+    {"LengthBeyondAnInt", "rtsp://h/3?date=2016-1-2&time=8:30:0&timelen=4294967297", "3 2016-1-2 8:30:0 2147483647"},
+    {"TwoDateFields", "rtsp://h/3?date=2016-1&time=8:30:0&timelen=600", nullptr},
+    {"TwoTimeFields", "rtsp://h/3?date=2016-1-2&time=8:30&timelen=600", nullptr},
+    {"LengthInFrontOfTime", "rtsp://h/3?date=2016-1-2&timelen=600&time=8:30:0", nullptr}, // its name is found first
+    {"NoLength", "rtsp://h/3?date=2016-1-2&time=8:30:0", nullptr},
+    {"NoTime", "rtsp://h/3?date=2016-1-2&timelen=600", nullptr},
+    {"NoDate", "rtsp://h/3?time=8:30:0&timelen=600", nullptr},
+};
+
+class RtspPlayback : public RtspCommands, public ::testing::WithParamInterface<PlaybackCase>
+{
+};
+
+TEST_P(RtspPlayback, IsOpenedAsItsUrlSays)
 {
     world.PushVideo(55, 29, KeyFrame(), true, 1000000);
-    const std::string answer = Ask(Request("DESCRIBE", Url("/3?date=2016-1-2&time=8:30:0&timelen=600")));
+    const std::string answer = Ask(Request("DESCRIBE", GetParam().url));
+    if (GetParam().call == nullptr)
+    {
+        EXPECT_EQ(NotFound("1"), answer);
+        EXPECT_TRUE(peer.WaitClosed());
+        EXPECT_TRUE(world.stream.Calls().empty());
+        return;
+    }
     EXPECT_EQ("RTSP/1.0 200 OK", answer.substr(0, 15));
-    EXPECT_EQ(std::vector<std::string>{"OpenRecStream 3 2016-1-2 8:30:0 600 0"}, world.stream.Calls());
+    EXPECT_EQ(std::vector<std::string>{std::string("OpenRecStream ") + GetParam().call + " 0"}, world.stream.Calls());
 }
 
-TEST_F(RtspCommands, ARecordingWithoutAChannelNumberHasAllOnes)
-{
-    world.PushVideo(55, 29, KeyFrame(), true, 1000000);
-    Ask(Request("DESCRIBE", Url("/x?date=2016-1-2&time=8:30:0&timelen=600")));
-    EXPECT_EQ(std::vector<std::string>{"OpenRecStream 4294967295 2016-1-2 8:30:0 600 0"}, world.stream.Calls());
-}
-
-TEST_F(RtspCommands, ARecordingWithABrokenDateIsNotFound)
-{
-    EXPECT_EQ(NotFound("1"), Ask(Request("DESCRIBE", Url("/3?date=2016-1&time=8:30:0&timelen=600"))));
-    EXPECT_TRUE(peer.WaitClosed());
-    EXPECT_TRUE(world.stream.Calls().empty());
-}
+INSTANTIATE_TEST_SUITE_P(Cases, RtspPlayback, ::testing::ValuesIn(PLAYBACK_CASES),
+                         [](const auto& test) { return test.param.name; });
 
 TEST_F(RtspCommands, TalkIsDescribedWithoutWaiting)
 {
@@ -133,6 +161,32 @@ TEST_F(RtspCommands, TalkIsDescribedWithoutWaiting)
                               "a=ptime:40\r\na=recvonly\r\n";
     EXPECT_NE(std::string::npos, answer.find(media));
     EXPECT_EQ(std::vector<std::string>{"OpenTalkBackStream"}, world.stream.Calls());
+}
+
+TEST_F(RtspCommands, AnyUrlWithTalkInItIsATalk)
+{
+    Ask(Request("DESCRIBE", "rtsp://walktalk.example/x"));
+    EXPECT_EQ(std::vector<std::string>{"OpenTalkBackStream"}, world.stream.Calls());
+}
+
+// "talkback" names a live stream: the one that the session described before, at first that of channel 0.
+TEST_F(RtspCommands, ATalkbackUrlIsALiveStream)
+{
+    world.PushVideo(0, 0, KeyFrame(), true, 1000000);
+    EXPECT_EQ("RTSP/1.0 200 OK", Ask(Request("DESCRIBE", Url("/talkback"))).substr(0, 15));
+    world.BeginLive();
+    Describe();
+    Ask(Request("DESCRIBE", Url("/talkback")));
+    const std::vector<std::string> calls{"OpenLiveStream 0 0 0", "OpenLiveStream 1 0 0", "OpenLiveStream 1 0 0"};
+    EXPECT_EQ(calls, world.stream.Calls());
+}
+
+TEST_F(RtspCommands, ATalkSessionThatGoesIsClosedOnceAtTheHost)
+{
+    Ask(Request("DESCRIBE", Url("/talk")));
+    peer.Close();
+    world.Rounds(3);
+    EXPECT_EQ((std::vector<std::string>{"OpenTalkBackStream", "CloseTalkBackStream 77"}), world.stream.Calls());
 }
 
 TEST_F(RtspCommands, ATalkSessionIsClosedTwiceAtTheHostByTeardown)
@@ -152,22 +206,22 @@ TEST_F(RtspCommands, SetupOverTcpRepeatsTheChannels)
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 2\r\n" + MODIFIED +
                   "DATE\r\nTransport: RTP/AVP/TCP;unicast;destination=127.0.0.1;source=127.0.0.1;interleaved=2-3;"
                   "ssrc=SSRC\r\nSession: ID;timeout=60\r\n\r\n",
-              Setup(0, "RTP/AVP/TCP;unicast;interleaved=2-3"));
+              SetupTrack(0, "RTP/AVP/TCP;unicast;interleaved=2-3"));
 }
 
 TEST_F(RtspCommands, SetupOverTcpWithoutChannelsCountsThemUp)
 {
     world.BeginLive();
     Describe();
-    EXPECT_NE(std::string::npos, Setup(0, "RTP/AVP/TCP;unicast").find(";interleaved=0-1;"));
-    EXPECT_NE(std::string::npos, Setup(1, "RTP/AVP/TCP;unicast").find(";interleaved=2-3;"));
+    EXPECT_NE(std::string::npos, SetupTrack(0, "RTP/AVP/TCP;unicast").find(";interleaved=0-1;"));
+    EXPECT_NE(std::string::npos, SetupTrack(1, "RTP/AVP/TCP;unicast").find(";interleaved=2-3;"));
 }
 
 TEST_F(RtspCommands, SetupRepeatsChannelsAboveAByteAsTheyAre)
 {
     world.BeginLive();
     Describe();
-    EXPECT_NE(std::string::npos, Setup(0, "RTP/AVP/TCP;interleaved=300-301").find(";interleaved=300-301;"));
+    EXPECT_NE(std::string::npos, SetupTrack(0, "RTP/AVP/TCP;interleaved=300-301").find(";interleaved=300-301;"));
     Ask(Request("PLAY", Url("/live/one")));
     world.PushVideo(1, 0, KeyFrame(), true, 2000000);
     EXPECT_EQ(std::string("$\x2c", 2), peer.Read(2)); // 300 in its low byte
@@ -180,7 +234,7 @@ TEST_F(RtspCommands, SetupOverUdpNamesBothPairsOfPorts)
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 2\r\n" + MODIFIED +
                   "DATE\r\nTransport: RTP/AVP;unicast;destination=127.0.0.1;source=127.0.0.1;client_port=6000-6001;"
                   "server_port=P-P;ssrc=SSRC\r\nSession: ID;timeout=60\r\n\r\n",
-              Setup(0, "RTP/AVP;unicast;client_port=6000-6001"));
+              SetupTrack(0, "RTP/AVP;unicast;client_port=6000-6001"));
 }
 
 // The address is looked for at even places of the text only, so a method word of odd length hides it.
@@ -197,7 +251,7 @@ TEST_F(RtspCommands, SetupOverMulticastFindsNoGroup)
 {
     world.BeginLive();
     Describe();
-    EXPECT_EQ(UnknownError("2"), Setup(0, "RTP/AVP;multicast;port=6000-6001"));
+    EXPECT_EQ(UnknownError("2"), SetupTrack(0, "RTP/AVP;multicast;port=6000-6001"));
     EXPECT_TRUE(peer.WaitClosed());
 }
 
@@ -218,21 +272,21 @@ TEST_F(RtspCommands, SetupWithoutATrackIsNotFound)
 
 TEST_F(RtspCommands, SetupOfTrackThreeIsNotFound)
 {
-    EXPECT_EQ(NotFound("1"), Setup(3, "RTP/AVP/TCP"));
+    EXPECT_EQ(NotFound("1"), SetupTrack(3, "RTP/AVP/TCP"));
 }
 
 TEST_F(RtspCommands, ASecondSetupOfATrackCloses)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
-    EXPECT_EQ(UnknownError("3"), Setup(0, "RTP/AVP/TCP;interleaved=0-1"));
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
+    EXPECT_EQ(UnknownError("3"), SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1"));
     EXPECT_TRUE(peer.WaitClosed());
 }
 
 TEST_F(RtspCommands, SetupWithoutDescribeSetsUpVideoWithPayloadZero)
 {
-    EXPECT_EQ("RTSP/1.0 200 OK", Setup(0, "RTP/AVP/TCP;interleaved=0-1").substr(0, 15));
+    EXPECT_EQ("RTSP/1.0 200 OK", SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1").substr(0, 15));
     Ask(Request("PLAY", Url("/live/one")));
     world.PushVideo(0, 0, KeyFrame(), true, 1000000); // describes the stream that the client made
     const std::string packet = peer.Read(20);
@@ -254,8 +308,8 @@ TEST_F(RtspCommands, PlayNamesTheTracksInOrder)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
-    Setup(1, "RTP/AVP/TCP;interleaved=2-3");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(1, "RTP/AVP/TCP;interleaved=2-3");
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 4\r\nSession: ID\r\nRange: npt=0.000- \r\nRTP-Info: url=" +
                   Url("/live/one") + "/0;seq=S;rtptime=T,url=" + Url("/live/one") + "/1;seq=S;rtptime=T\r\n\r\n",
               Ask(Request("PLAY", Url("/live/one"))));
@@ -272,7 +326,7 @@ TEST_F(RtspCommands, PlayWhilePlayingIs405)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     Ask(Request("PLAY", Url("/live/one")));
     EXPECT_EQ("RTSP/1.0 405 Method Not Allowed", Ask(Request("PLAY", Url("/live/one"))).substr(0, 31));
 }
@@ -281,9 +335,9 @@ TEST_F(RtspCommands, ATrackAddedWhilePlayingIsPlayedByAFurtherPlay)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     Ask(Request("PLAY", Url("/live/one")));
-    EXPECT_EQ("RTSP/1.0 200 OK", Setup(1, "RTP/AVP/TCP;interleaved=2-3").substr(0, 15));
+    EXPECT_EQ("RTSP/1.0 200 OK", SetupTrack(1, "RTP/AVP/TCP;interleaved=2-3").substr(0, 15));
     world.PushVideo(1, 0, KeyFrame(), true, 2000000); // the first track goes on meanwhile
     EXPECT_EQ(std::string("$\0", 2), peer.Read(2));
     peer.Read(18 + 20 + 36); // the rest of the SPS's, the PPS's and the slice's packets
@@ -296,12 +350,40 @@ TEST_F(RtspCommands, TeardownAnswersAndCloses)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 3\r\nSession:ID\r\nConnection: Close\r\n\r\n",
               Ask(Request("TEARDOWN", Url("/live/one"))));
     EXPECT_TRUE(peer.WaitClosed());
     const std::vector<std::string> calls{"OpenLiveStream 1 0 0", "CloseLiveStream 700"};
     EXPECT_EQ(calls, world.stream.Calls());
+}
+
+// The host may free the stream in that call: no client's queue is on it any more.
+TEST_F(RtspCommands, TeardownLeavesTheStreamBeforeItIsClosedAtTheHost)
+{
+    class Host : public FakeStreamCtrl
+    {
+    public:
+        explicit Host(RtspWorld& world) : m_world(world) {}
+        void CloseLiveStream(unsigned int /*handle*/) override
+        {
+            const std::string payload = DeltaFrame();
+            const NETNS::RTSP_FRAME frame = FrameRecord(NETNS::RTSP_FRAME_VIDEO, false, 2000000, payload.size());
+            result = m_world.data.AddData(1, 0, frame, payload.data());
+        }
+        int result = 1;
+
+    private:
+        RtspWorld& m_world;
+    };
+    Host host(world);
+    world.data.Init(&host, &world.device);
+    world.BeginLive();
+    Describe();
+    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    Ask(Request("PLAY", Url("/live/one")));
+    Ask(Request("TEARDOWN", Url("/live/one")));
+    EXPECT_EQ(0, host.result); // a queue that waits for a key frame would refuse it
 }
 
 TEST_F(RtspCommands, TeardownOfAPlaybackClosesThePlayback)
@@ -324,7 +406,7 @@ TEST_F(RtspCommands, AClientThatDisconnectsLeavesTheStreamOpen)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     peer.Close();
     world.Rounds(3);
     EXPECT_EQ(std::vector<std::string>{"OpenLiveStream 1 0 0"}, world.stream.Calls());
@@ -335,7 +417,7 @@ TEST_F(RtspCommands, GetParameterIsAnsweredWithCSeqZero)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 0\r\nSession: ID\r\n\r\n",
               Ask(Request("GET_PARAMETER", Url("/live/one"))));
 }
@@ -346,7 +428,7 @@ TEST_F(RtspCommands, GetParameterIsAnsweredWithItsCSeqWhenStandardRtspIsChosen)
     peer = world.Connect();
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 3\r\nSession: ID\r\n\r\n",
               Ask(Request("GET_PARAMETER", Url("/live/one"))));
 }
@@ -356,7 +438,7 @@ TEST_F(RtspCommands, ThePolicyOfAConnectionIsThatOfItsBeginning)
     CPolicy::SetCurrent(CPolicy(1));
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     EXPECT_NE(std::string::npos, Ask(Request("GET_PARAMETER", Url("/live/one"))).find("CSeq: 0\r\n"));
 }
 
@@ -364,7 +446,7 @@ TEST_F(RtspCommands, SetParameterIsAnsweredLikeGetParameter)
 {
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 3\r\nSession: ID\r\n\r\n",
               Ask(Request("SET_PARAMETER", Url("/live/one"))));
 }
@@ -431,12 +513,12 @@ TEST_P(RtspState, AnswersAndStaysOrCloses)
     world.BeginLive();
     Describe();
     if (GetParam().state > 0)
-        Setup(1, "RTP/AVP/TCP;interleaved=2-3");
+        SetupTrack(1, "RTP/AVP/TCP;interleaved=2-3");
     if (GetParam().state > 1)
         Ask(Request("PLAY", Url("/live/one")));
     const bool setup = GetParam().method == std::string("SETUP");
     const std::string answer =
-        setup ? Setup(0, "RTP/AVP/TCP;interleaved=0-1") : Ask(Request(GetParam().method, Url("/live/one")));
+        setup ? SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1") : Ask(Request(GetParam().method, Url("/live/one")));
     EXPECT_EQ(GetParam().status, answer.substr(0, answer.find("\r\n")));
     world.Rounds(3);
     EXPECT_EQ(GetParam().closes, peer.IsClosedNow());
@@ -485,6 +567,55 @@ TEST_F(RtspCommands, AStartedServerIsNotStartedAgain)
     const unsigned short port = world.server->GetPort();
     EXPECT_EQ(0, world.server->Start_RTSP_Server(0));
     EXPECT_EQ(port, world.server->GetPort());
+}
+
+TEST_F(RtspCommands, TheListenerOnlyAccepts)
+{
+    EXPECT_DEATH(world.server->HandleRecv(), "");
+    EXPECT_DEATH(world.server->HasDataToSend(), "");
+    EXPECT_DEATH(world.server->HandleSend(), "");
+    EXPECT_DEATH(world.server->HandleConnected(), "");
+    EXPECT_DEATH(world.server->HandleTimeOut(SOCK_HANDLER_RECV), "");
+    EXPECT_EQ(0, world.server->GetPasswordByUser());
+    EXPECT_EQ(-1, world.server->HandleAccept()); // nobody waits
+}
+
+// Its socket is closed by a stop alone.
+TEST_F(RtspCommands, AListenerThatTimesOutEndsAndLeavesItsSocketOpen)
+{
+    int next = dup(0);
+    close(next);
+    CRTSP_Server* second = CRTSP_Server::Create_RTSP_Server(world.scheduler, nullptr);
+    second->Start_RTSP_Server(0);
+    second->HandleTimeOut(SOCK_HANDLER_ACCEPT);
+    EXPECT_EQ(-1, world.scheduler.DelSockHandler(next));
+    EXPECT_EQ(0, NC_CloseSocket(next));
+}
+
+TEST_F(RtspCommands, ASessionThatGoesIsLogged)
+{
+    ::testing::internal::CaptureStderr();
+    peer.Close();
+    world.Rounds(3);
+    EXPECT_NE(std::string::npos, ::testing::internal::GetCapturedStderr().find(" m_sessionList.size = 1 "));
+    EXPECT_EQ(0u, world.server->SessionCount());
+}
+
+TEST_F(RtspCommands, AMessageThatCannotBeReadIsLogged)
+{
+    ::testing::internal::CaptureStderr();
+    Ask("OPTIONS *\r\n\r\n");
+    const std::string lines = ::testing::internal::GetCapturedStderr();
+    const std::size_t first = lines.find("  rtsp cmd parse error, take care!!!!!");
+    ASSERT_NE(std::string::npos, first);
+    EXPECT_NE(std::string::npos, lines.find("  rtsp cmd len:13, ----OPTIONS *    ----.", first)) << lines;
+}
+
+TEST_F(RtspCommands, AnAnswerIsLogged)
+{
+    ::testing::internal::CaptureStderr();
+    Ask(Request("OPTIONS", "*"));
+    EXPECT_NE(std::string::npos, ::testing::internal::GetCapturedStderr().find(" send data : RTSP/1.0 200 OK"));
 }
 
 TEST_F(RtspCommands, AnUnknownMethodIsToldOnTheConsole)
@@ -562,6 +693,25 @@ TEST_F(RtspLogin, AnOldNonceIsRefused)
               Ask(Request("DESCRIBE", Url("/live/one"), Credentials(first, "secret"))).substr(0, 25));
 }
 
+// MD5 over the four bytes of the tick count and a number that goes up with each nonce of the process.
+TEST_F(RtspLogin, ANonceIsMadeOfTheTimeAndACount)
+{
+    const FakeClock clock;
+    const auto nonceOf = [&clock](unsigned int count)
+    {
+        const std::uint32_t value = clock.Now() + count;
+        char digest[33];
+        PUB_MD5Encrypt(&value, sizeof(value), digest, false);
+        return std::string(digest);
+    };
+    const std::string first = Challenge();
+    unsigned int count = 1;
+    while (count < 100000 && nonceOf(count) != first)
+        ++count;
+    EXPECT_EQ(nonceOf(count), first);
+    EXPECT_EQ(nonceOf(count + 1), Challenge());
+}
+
 TEST_F(RtspLogin, ABasicRequestIsOfferedBasic)
 {
     EXPECT_EQ("RTSP/1.0 401 Unauthorized\r\nCSeq: 1\r\nDATE\r\nWWW-Authenticate: Basic realm=\"RTSP SERVER\"\r\n\r\n",
@@ -605,6 +755,43 @@ TEST_F(RtspDynamicRate, A501WithoutCSeqGets400)
     peer.Read(1400 + 85);
     peer.Drain();
     EXPECT_NE(std::string::npos, Ask("RTSP/1.0 501 Not Implemented\r\n\r\n").find("RTSP/1.0 400 Bad Request"));
+}
+
+TEST_F(RtspDynamicRate, TheProbeIsNotLogged)
+{
+    world.BeginLive();
+    Describe();
+    ::testing::internal::CaptureStderr();
+    peer.Send(AskForRate(0, "RTP/AVP;client_port=6000-6001"));
+    peer.Read(1400 + 85);
+    EXPECT_EQ(std::string::npos, ::testing::internal::GetCapturedStderr().find("send data"));
+}
+
+// Any other status line is a request of an unknown method, and so is the 501 that nobody asked for.
+TEST_F(RtspDynamicRate, OnlyA501BehindAProbeAnswersIt)
+{
+    EXPECT_EQ("RTSP/1.0 405 Method Not Allowed", Ask("RTSP/1.0 501 Not Implemented\r\nCSeq: 7\r\n\r\n").substr(0, 31));
+    world.BeginLive();
+    Describe();
+    peer.Send(AskForRate(0, "RTP/AVP;client_port=6000-6001"));
+    peer.ReadUntil("\r\n\r\n");
+    peer.Read(1400);
+    EXPECT_EQ("RTSP/1.0 405 Method Not Allowed",
+              Ask("RTSP/1.0 500 Internal Server Error\r\nCSeq: 8\r\n\r\n").substr(0, 31));
+}
+
+// A status line may carry a track in its place for the URL; it is then a SETUP that tells the round trip.
+TEST_F(RtspDynamicRate, TheRoundTripIsTheTimeFromTheProbeToThe501)
+{
+    FakeClock clock;
+    world.BeginLive();
+    Describe();
+    peer.Send(AskForRate(0, "RTP/AVP/TCP"));
+    peer.ReadUntil("\r\n\r\n");
+    peer.Read(1400);
+    clock.Advance(123);
+    const std::string answer = Ask("RTSP/1.0 501trackID=0 x\r\nCSeq: 2\r\nTransport: RTP/AVP/TCP\r\n\r\n");
+    EXPECT_NE(std::string::npos, answer.find("x-Dynamic-Rate: 1;rtt=123\r\n"));
 }
 
 // The time of the answer is still 0 then, so the difference is that of the clock itself.

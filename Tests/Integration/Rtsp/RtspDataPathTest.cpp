@@ -161,6 +161,14 @@ TEST_F(RtspDataPath, APlainMessageMayHaveABase64MessageBehindIt)
     EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), 6));
 }
 
+TEST_F(RtspDataPath, ABase64MessageBehindAPlainOneWaitsForItsBodyAsWell)
+{
+    peer.Send(Options(5) + Base64("OPTIONS * RTSP/1.0\r\nCSeq: 6\r\nContent-Length: 4\r\n\r\n"));
+    EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), 5));
+    world.Rounds(3);
+    EXPECT_EQ("", peer.Drain());
+}
+
 // The body takes what comes next, message by message, and more than it announced is told on the console.
 TEST_F(RtspDataPath, WhatABase64MessageWaitsForIsNotServed)
 {
@@ -168,7 +176,8 @@ TEST_F(RtspDataPath, WhatABase64MessageWaitsForIsNotServed)
     peer.Send(Base64(message));
     world.Rounds(3);
     ::testing::internal::CaptureStderr();
-    peer.Send(Options(6)); // 31 bytes, more than the 68 - 50 that are waited for
+    // 31 bytes, more than the 68 - 50 that are waited for; the second one does not count.
+    peer.Send(Options(6) + Options(6));
     world.Rounds(3);
     EXPECT_EQ("error recv more data~   m_iNeedMoreContentData = -13 ",
               ::testing::internal::GetCapturedStderr().substr(0, 53));
@@ -190,6 +199,20 @@ TEST_F(RtspDataPath, ADollarInTheMiddleOfTextEndsTheText)
     peer.Send(Options(1) + std::string("$\0\0\4abcd", 8));
     EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), 1));
     world.Rounds(3);
+    peer.Send(Options(2));
+    EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), 2));
+}
+
+// Text that waits for its end is looked at again, with nothing new in it, and what comes behind goes on as ever.
+TEST_F(RtspDataPath, ADollarBehindUnfinishedTextLooksAtNothingNew)
+{
+    peer.Send("OPTIONS");
+    world.Rounds(3);
+    ::testing::internal::CaptureStderr();
+    peer.Send(std::string("$\0\0\4abcd", 8));
+    world.Rounds(3);
+    EXPECT_NE(std::string::npos,
+              ::testing::internal::GetCapturedStderr().find("  warning --rtsp data has exception! \n"));
     peer.Send(Options(2));
     EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), 2));
 }
@@ -227,6 +250,16 @@ TEST_F(RtspDataPath, SpeechReachesTheHostBehindItsMarker)
     world.Rounds(3);
     EXPECT_EQ(std::vector<std::string>{"TalkBackStreamInput 9 11"}, world.stream.Calls());
     EXPECT_EQ(std::string("\0\1\xa0\0hello", 9), world.stream.Speech());
+}
+
+TEST_F(RtspDataPath, ASpeechPacketOfItsHeaderAloneReachesTheHostAsAMarker)
+{
+    peer.Send(TalkPacket(""));
+    world.Rounds(3);
+    EXPECT_EQ(std::vector<std::string>{"TalkBackStreamInput 4 11"}, world.stream.Calls());
+    peer.Send(std::string("$\0\0\x0b\x80\x08\0\1\0\0\0\0\0\0\0", 15)); // one byte less
+    world.Rounds(3);
+    EXPECT_EQ(1u, world.stream.Calls().size());
 }
 
 TEST_F(RtspDataPath, ALongSpeechPacketReachesTheHostWhole)
@@ -494,8 +527,24 @@ TEST_F(RtspTunnel, APostWithAnotherCookieIsClosedWithoutAnAnswer)
 TEST_F(RtspTunnel, APostWithoutACookieFindsNobody)
 {
     Peer post = world.Connect();
+    ::testing::internal::CaptureStderr();
     post.Send("POST /live/one HTTP/1.0\r\n\r\n");
     EXPECT_TRUE(post.WaitClosed());
+    EXPECT_NE(std::string::npos, ::testing::internal::GetCapturedStderr().find(" get cliensession err\n"));
+}
+
+// The header does not count against the limit of what comes behind it.
+TEST_F(RtspTunnel, APostOfAlmostTheLimitIsFollowedByItsMessages)
+{
+    Peer post = world.Connect();
+    post.Send("POST /live/one HTTP/1.0\r\nx-sessioncookie: abc123\r\nX: " + std::string(16300, 'x') + "\r\n\r\n");
+    world.Rounds(3);
+    for (const int cseq : {7, 8})
+    {
+        post.Send(Base64("OPTIONS * RTSP/1.0\r\nCSeq: " + std::to_string(cseq) + "\r\nX: " + std::string(9000, 'x') +
+                         "\r\n\r\n"));
+        EXPECT_TRUE(IsAnswerTo(peer.ReadAnswer(), cseq));
+    }
 }
 
 TEST_F(RtspTunnel, ACookieCountsToItsFiftiethByte)

@@ -1,6 +1,7 @@
 // Tracks over UDP: packets, reports, ports.
 
 #include "ByteOrder.h"
+#include "NetworkNamespace.h"
 #include "RTSP_ClientSession.h"
 #include "RTSP_RTCPLink.h"
 #include "RTSP_RTCPLink_UDP_Multicast.h"
@@ -11,8 +12,11 @@
 
 #include <arpa/inet.h>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <netinet/in.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -244,6 +248,69 @@ TEST_F(RtspPorts, GoBackTo20000Behind49999)
     EXPECT_EQ(20000, world.server->NextPort());
 }
 
+TEST_F(RtspPorts, AUnicastSocketIsBoundToAnyAddressWithItsBuffer)
+{
+    int sock = world.server->Create_A_Valid_Sock(1, "127.0.0.1", 6000);
+    char ip[16];
+    unsigned short port = 0;
+    EXPECT_EQ(0, NC_GetSockName(sock, ip, &port));
+    EXPECT_STREQ("0.0.0.0", ip);
+    EXPECT_GE(port, 20000); // others on this machine may have the first ones
+    EXPECT_EQ(port + 1, world.server->NextPort());
+    int bytes = 0;
+    socklen_t length = sizeof(bytes);
+    getsockopt(sock, SOL_SOCKET, SO_SNDBUF, &bytes, &length);
+    EXPECT_EQ(2 * 0x20000, bytes); // the kernel tells twice what was asked for
+    NC_CloseSocket(sock);
+}
+
+TEST_F(RtspPorts, AGroupIsJoinedWithoutLoopAndBoundToTheClientsPort)
+{
+    if (!CNetworkNamespace::Enter() || !CNetworkNamespace::AddInterface("eth0", "10.1.0.5/24") ||
+        !CNetworkNamespace::Ip("route add default dev eth0"))
+        GTEST_SKIP() << "no network of its own";
+    int sock = world.server->Create_A_Valid_Sock(0, "239.1.2.3", 6000);
+    ASSERT_NE(-1, sock);
+    char ip[16];
+    unsigned short port = 0;
+    EXPECT_EQ(0, NC_GetSockName(sock, ip, &port));
+    EXPECT_STREQ("239.1.2.3", ip);
+    EXPECT_EQ(6000, port);
+    int loops = -1;
+    socklen_t length = sizeof(loops);
+    getsockopt(sock, IPPROTO_IP, IP_MULTICAST_LOOP, &loops, &length);
+    EXPECT_EQ(0, loops);
+    std::ifstream groups("/proc/self/net/igmp");
+    const std::string joined((std::istreambuf_iterator<char>(groups)), std::istreambuf_iterator<char>());
+    EXPECT_NE(std::string::npos, joined.find("030201EF")); // as the kernel prints 239.1.2.3
+    EXPECT_EQ(20000, world.server->NextPort());            // none was used
+    NC_CloseSocket(sock);
+}
+
+// The packets' socket alone is no use: it goes with the second one that cannot be had.
+TEST_F(RtspPorts, WithoutASocketForReportsThereIsNoneForPackets)
+{
+    ::testing::internal::CaptureStderr(); // it needs descriptors itself
+    const int next = dup(0);
+    close(next);
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit one{static_cast<rlim_t>(next) + 1, before.rlim_max};
+    const RTSP_STREAM_CFG config;
+    CRTSP_RTPLink* rtp = reinterpret_cast<CRTSP_RTPLink*>(this);
+    CRTSP_RTCPLink* rtcp = reinterpret_cast<CRTSP_RTCPLink*>(this);
+    setrlimit(RLIMIT_NOFILE, &one);
+    EXPECT_EQ(-1, world.server->Create_RTP_RTCP_Link_UDP(nullptr, 1, &rtcp, &rtp, "127.0.0.1", 1, 2, &config));
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(nullptr, rtp);
+    EXPECT_EQ(nullptr, rtcp);
+    const int after = dup(0);
+    close(after);
+    EXPECT_EQ(next, after);
+    EXPECT_EQ(-1, world.scheduler.DelSockHandler(next));
+    EXPECT_EQ("RTP sock " + std::to_string(next) + "\n", ::testing::internal::GetCapturedStderr());
+}
+
 TEST_F(RtspPorts, AFailedGroupLeavesNoSocketOpen)
 {
     const int before = dup(0);
@@ -353,11 +420,41 @@ protected:
         close(client.far);
         return ended;
     }
+    /// The shared link of its kind, with one more user.
+    CRTSP_SockHandler* Share(bool ofReports, CRTSP_ClientSession* session)
+    {
+        const unsigned int ip = htonl(INADDR_LOOPBACK);
+        sockets.push_back(world.server->Create_A_Valid_Sock(1, "127.0.0.1", 0));
+        if (ofReports)
+            return CRTSP_RTCPLink_UDP_Multicast::Create_RTSP_RTCPLink_UDP_Multicast(
+                {session, ip, 9, 0, 1, world.scheduler, sockets.back(), 0});
+        return CRTSP_RTPLink_UDP_Multicast::Create_RTSP_RTPLink_UDP_Multicast(
+            {session, ip, 9, {}, 1, 1, world.scheduler, sockets.back()});
+    }
+    /// The sockets of all users but the first have nothing on them.
+    void CloseUnused()
+    {
+        for (std::size_t i = 1; i < sockets.size(); ++i)
+            close(sockets[i]);
+        sockets.clear();
+    }
     static std::string SessionLine(const Client& client)
     {
         return "rtsp session time out, sock = " + std::to_string(client.sock) + "\n";
     }
 };
+
+TEST_F(RtspLinkTimeOut, OfASessionEndsItAndKnowsNoOtherKinds)
+{
+    for (const int type : {2, 4, 6})
+    {
+        const Client client = MakeClient();
+        for (const int other : {0, 1, 3, 8})
+            EXPECT_DEATH(client.session->HandleTimeOut(other), "") << other;
+        client.session->HandleTimeOut(type);
+        EXPECT_TRUE(IsEnded(client)) << type;
+    }
+}
 
 TEST_F(RtspLinkTimeOut, OfAUnicastLinkEndsItsSession)
 {
@@ -386,30 +483,69 @@ TEST_F(RtspLinkTimeOut, OfAUnicastLinkEndsItsSession)
     }
 }
 
+TEST_F(RtspLinkTimeOut, AUnicastLinkWithoutMemoryEndsItsSession)
+{
+    const RTSP_STREAM_CFG config;
+    for (const bool ofReports : {false, true})
+    {
+        const Client client = MakeClient();
+        CRTSP_RTCPLink* rtcp = nullptr;
+        CRTSP_RTPLink* rtp = nullptr;
+        ASSERT_EQ(0,
+                  world.server->Create_RTP_RTCP_Link_UDP(client.session, 1, &rtcp, &rtp, "127.0.0.1", 9, 9, &config));
+        if (ofReports)
+            rtcp->Fail();
+        else
+            rtp->Fail();
+        EXPECT_TRUE(IsEnded(client));
+        rtcp->Destroy(); // the session had no track with them
+        rtp->Destroy();
+    }
+}
+
 // The first user may hold the last reference to the link, so it goes last.
 TEST_F(RtspLinkTimeOut, OfASharedLinkEndsItsUsersTheFirstLast)
 {
-    const Client clients[] = {MakeClient(), MakeClient(), MakeClient()};
-    CRTSP_RTPLink* rtp = nullptr;
-    for (const Client& client : clients)
+    for (const bool ofReports : {false, true})
     {
-        sockets.push_back(world.server->Create_A_Valid_Sock(1, "127.0.0.1", 0));
-        rtp = CRTSP_RTPLink_UDP_Multicast::Create_RTSP_RTPLink_UDP_Multicast(
-            {client.session, htonl(INADDR_LOOPBACK), 9, {}, 1, 1, world.scheduler, sockets.back()});
+        const Client clients[] = {MakeClient(), MakeClient(), MakeClient()};
+        CRTSP_SockHandler* link = nullptr;
+        for (const Client& client : clients)
+            link = Share(ofReports, client.session);
+        ::testing::internal::CaptureStderr();
+        link->HandleTimeOut(SOCK_HANDLER_SEND);
+        EXPECT_EQ((ofReports ? "Multicast RTCP Time Out " : "Multicast RTP Time Out ") + SessionLine(clients[1]) +
+                      SessionLine(clients[2]) + SessionLine(clients[0]),
+                  ::testing::internal::GetCapturedStderr());
+        for (const Client& client : clients)
+            EXPECT_TRUE(IsEnded(client));
+        ::testing::internal::CaptureStderr();
+        for (int i = 0; i < 3; ++i)
+            link->Destroy();
+        const std::string sock = std::to_string(sockets[0]) + "\n";
+        EXPECT_EQ(ofReports ? "m_NURTCPMulticast = 2\nm_NURTCPMulticast = 1\nMulticast RTcP sock " + sock
+                            : "m_NURTPMulticast = 2\nm_NURTPMulticast = 1\nMulticast RTP sock " + sock,
+                  ::testing::internal::GetCapturedStderr());
+        CloseUnused();
     }
-    ::testing::internal::CaptureStderr();
-    rtp->HandleTimeOut(SOCK_HANDLER_SEND);
-    EXPECT_EQ("Multicast RTP Time Out " + SessionLine(clients[1]) + SessionLine(clients[2]) + SessionLine(clients[0]),
-              ::testing::internal::GetCapturedStderr());
-    for (const Client& client : clients)
-        EXPECT_TRUE(IsEnded(client));
-    ::testing::internal::CaptureStderr();
-    for (int i = 0; i < 3; ++i)
-        rtp->Destroy();
-    EXPECT_EQ("m_NURTPMulticast = 2\nm_NURTPMulticast = 1\nMulticast RTP sock " + std::to_string(sockets[0]) + "\n",
-              ::testing::internal::GetCapturedStderr());
-    close(sockets[1]);
-    close(sockets[2]);
+}
+
+TEST_F(RtspLinkTimeOut, ASharedLinkWithoutMemoryEndsItsUsers)
+{
+    for (const bool ofReports : {false, true})
+    {
+        const Client clients[] = {MakeClient(), MakeClient()};
+        CRTSP_SockHandler* link = nullptr;
+        for (const Client& client : clients)
+            link = Share(ofReports, client.session);
+        link->Fail();
+        for (const Client& client : clients)
+        {
+            EXPECT_TRUE(IsEnded(client));
+            link->Destroy();
+        }
+        CloseUnused();
+    }
 }
 
 TEST_F(RtspMulticast, AUserThatGoesIsNotTimedOutLater)

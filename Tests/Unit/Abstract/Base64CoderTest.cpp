@@ -274,8 +274,8 @@ TEST(Base64Coder, Utf8SizeFollowsTheLeadByte)
     {
         unsigned char lead;
         unsigned int size;
-    } CASES[] = {{0x00, 1}, {0x7F, 1}, {0x80, 0}, {0xBF, 0}, {0xC0, 2}, {0xDF, 2}, {0xE0, 3},
-                 {0xEF, 3}, {0xF0, 4}, {0xF7, 4}, {0xF8, 5}, {0xFB, 5}, {0xFC, 6}, {0xFD, 6}};
+    } CASES[] = {{0x00, 1}, {0x7F, 1}, {0x80, 0}, {0xBF, 0}, {0xC0, 2}, {0xDF, 2}, {0xE0, 3}, {0xEF, 3},
+                 {0xF0, 4}, {0xF7, 4}, {0xF8, 5}, {0xFB, 5}, {0xFC, 6}, {0xFD, 6}, {0xFE, 6}, {0xFF, 6}};
     CBase64Coder coder;
     for (const auto& row : CASES)
     {

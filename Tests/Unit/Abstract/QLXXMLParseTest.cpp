@@ -106,6 +106,33 @@ TEST(QLXXMLParse, RefusesTooDeepNesting)
     EXPECT_EQ(0u, document.GetRootItem());
 }
 
+// Memory and time to read a text grow with its length, not with its square.
+TEST(QLXXMLParse, RefusesWhatCostsTooMuch)
+{
+    std::string attributes;
+    for (int i = 0; i < 256; ++i)
+    {
+        attributes += " x" + std::to_string(i) + "=''";
+    }
+    CQLXXMLParse document;
+    EXPECT_TRUE(document.LoadXML("<a" + attributes + "/>"));
+    EXPECT_FALSE(document.LoadXML("<a" + attributes + " x=''/>"));
+    EXPECT_TRUE(document.LoadXML("<a>" + Repeat("<b/>", 65535) + "</a>"));
+    EXPECT_FALSE(document.LoadXML("<a>" + Repeat("<b/>", 65536) + "</a>"));
+    EXPECT_TRUE(document.LoadXML("<a>" + Repeat("&#x", 64) + "</a>"));
+    EXPECT_EQ(Repeat("&#x", 64), Text(document, "a"));
+    EXPECT_FALSE(document.LoadXML("<a>" + Repeat("&#x", 65) + "</a>"));
+    EXPECT_EQ(0u, document.GetRootItem());
+}
+
+// Blanks and line ends count, and an entity is its character.
+TEST(QLXXMLParse, TextsAreReadAsTheyStand)
+{
+    const CQLXXMLParse document(std::string("<r><a>  x \t y\r\n </a><b>&lt;&#65;&#x42;&amp;&unknown;</b></r>"));
+    EXPECT_EQ("  x \t y\n ", Text(document, "a"));
+    EXPECT_EQ("<AB&&unknown;", Text(document, "b"));
+}
+
 TEST(QLXXMLParse, LoadsAndSavesFiles)
 {
     const CTempDirectory directory;
@@ -625,18 +652,24 @@ TEST(QLXXMLParse, DocumentKeepsItsLayout)
 TEST(QLXXMLParseDeathTest, WritesToWhatIsNotThereEndTheProcess)
 {
     CQLXXMLParse document(std::string("<r/>"));
-    const char* const MESSAGE = "pXMLElement != nullptr";
+    const char* const MESSAGE = "Assertion .pXMLElement != 0. failed";
     EXPECT_DEATH(document.SetValue("x", "1", false), MESSAGE);
     EXPECT_DEATH(document.SetValue(0, 1u), MESSAGE);
-    EXPECT_DEATH(document.SetValue(0, "x", 1u), "ElementOf\\(item\\) != nullptr");
+    EXPECT_DEATH(document.SetValue(0, "x", 1u), MESSAGE);
     EXPECT_DEATH(document.SetAttribute("x", "a", 1u), MESSAGE);
     EXPECT_DEATH(document.SetAttribute(0, "a", 1u), MESSAGE);
     EXPECT_DEATH(document.AddElement(0, "x", "", false), MESSAGE);
     EXPECT_DEATH(document.DeleteValue("x"), MESSAGE);
     EXPECT_DEATH(document.DeleteValue(0), MESSAGE);
     EXPECT_DEATH(document.DeleteChildrenValue("x"), MESSAGE);
+    EXPECT_DEATH(document.DeleteChildrenValue(0), MESSAGE);
     EXPECT_DEATH(document.DeleteAttribute("x", "a"), MESSAGE);
+    EXPECT_DEATH(document.DeleteAttribute(0, "a"), MESSAGE);
     EXPECT_DEATH(document.CloneValue("x", "<a/>"), MESSAGE);
+    EXPECT_DEATH(document.CloneValue(0, "<a/>"), MESSAGE);
+    std::map<std::string, std::string> attributes;
+    EXPECT_DEATH(document.GetAttributes("x", attributes), MESSAGE);
+    EXPECT_DEATH(document.GetAttributes(0, attributes), MESSAGE);
 }
 
 TEST(QLXXMLParseDeathTest, EmptyArgumentsEndTheProcess)

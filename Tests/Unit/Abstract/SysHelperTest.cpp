@@ -54,7 +54,7 @@ TEST(SysHelper, ReadGuidTellsWhatIsNone)
 
 TEST(SysHelperDeathTest, MistakesEndTheProcess)
 {
-    EXPECT_DEATH(CSysHelper::GuidToString(GUID, nullptr), "text != nullptr");
+    EXPECT_DEATH(CSysHelper::GuidToString(GUID, nullptr), "Assertion .pGUIDStr != __null. failed");
     EXPECT_DEATH(CSysHelper::GetGuidFromString("no guid"), "isGuid");
     unsigned long long value = 0;
     EXPECT_DEATH(CSysHelper::stringToUll("012", value), "text");
@@ -194,6 +194,18 @@ TEST(SysHelper, BuildDateIsUnpacked)
     EXPECT_EQ(12, month);
     EXPECT_EQ(31, day);
     EXPECT_EQ(23, hour);
+}
+
+TEST(SysHelper, BuildDateIsPacked)
+{
+    EXPECT_EQ((2026u << 16) | (1u << 10) | (2u << 5) | 3u, CSysHelper::BuildDateOf("Jan  2 2026", "03:59:59"));
+    EXPECT_EQ((2024u << 16) | (12u << 10) | (31u << 5) | 23u, CSysHelper::BuildDateOf("Dec 31 2024", "23:00:00"));
+    const char* const MONTHS[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    for (unsigned int i = 0; i < 12; ++i)
+    {
+        const std::string date = std::string(MONTHS[i]) + " 10 2026";
+        EXPECT_EQ(i + 1, (CSysHelper::BuildDateOf(date.c_str(), "00:00:00") >> 10) & 0x1F) << date;
+    }
 }
 
 TEST(SysHelper, BuildDateIsADate)

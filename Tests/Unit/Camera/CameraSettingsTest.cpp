@@ -108,7 +108,7 @@ TEST(CameraSettings, ADirectoryIsOneCamerasOnly)
     std::string problem;
     ASSERT_TRUE(LockDirectory(directory.Path(), problem)) << problem;
     EXPECT_FALSE(LockDirectory(directory.Path(), problem));
-    EXPECT_EQ(directory.Path() + ": is in use by another camera; give --data-dir", problem);
+    EXPECT_EQ(directory.Path() + ": is in use by another camera; give this one another --data-dir", problem);
     EXPECT_FALSE(LockDirectory(directory.Path("none"), problem));
     EXPECT_EQ(directory.Path("none") + ": No such file or directory", problem);
 }

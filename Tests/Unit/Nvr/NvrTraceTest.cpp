@@ -31,6 +31,9 @@ TEST(NvrTrace, TellsThatNoAnswerCame)
 {
     std::ostringstream messages;
     CNvrTrace trace(messages);
+    trace.OnExchange(Exchange("", 0, 999));
+    EXPECT_EQ("", messages.str());
+    EXPECT_EQ("10.0.0.1:80 gave no answer to GetDNS within 0.9 s", trace.LastOutcome());
     trace.OnExchange(Exchange("", 0, 2550));
     EXPECT_EQ("netserver-nvr: 10.0.0.1:80 gave no answer to GetDNS within 2.5 s\n", messages.str());
     EXPECT_EQ("10.0.0.1:80 gave no answer to GetDNS within 2.5 s", trace.LastOutcome());

@@ -26,26 +26,37 @@ int TryFromAnotherThread(CLock& lock)
     return result;
 }
 
+// Clang's analysis knows no recursive locks, so these two are hidden from it.
+void Take(CLock& lock) NO_THREAD_SAFETY_ANALYSIS
+{
+    lock.Lock();
+}
+
+void GiveBack(CLock& lock) NO_THREAD_SAFETY_ANALYSIS
+{
+    lock.Unlock();
+}
+
 } // namespace
 
 TEST(Lock, IsRecursiveByDefaultAndMustBeUnlockedAsOften)
 {
     CLock lock;
-    lock.Lock();
-    lock.Lock();
-    lock.Unlock();
+    Take(lock);
+    Take(lock);
+    GiveBack(lock);
     EXPECT_EQ(EBUSY, TryFromAnotherThread(lock));
-    lock.Unlock();
+    GiveBack(lock);
     EXPECT_EQ(0, TryFromAnotherThread(lock));
 }
 
 TEST(Lock, IsRecursiveWhenAskedFor)
 {
     CLock lock(true);
-    lock.Lock();
+    Take(lock);
     EXPECT_EQ(0, pthread_mutex_trylock(lock.Native()));
-    lock.Unlock();
-    lock.Unlock();
+    GiveBack(lock);
+    GiveBack(lock);
 }
 
 // The thread that holds a plain lock would wait for itself.

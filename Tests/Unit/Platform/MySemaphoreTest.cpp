@@ -70,5 +70,5 @@ TEST(MySemaphore, UnlockWakesWaitingThreads)
 
 TEST(MySemaphoreDeathTest, MaximumOfNoneEndsTheProcess)
 {
-    EXPECT_DEATH(CMySemaphore(0, 0), "m_maximum > 0");
+    EXPECT_DEATH(CMySemaphore(0, 0), "Assertion .lMaxCount > 0. failed");
 }

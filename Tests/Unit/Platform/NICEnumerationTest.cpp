@@ -107,9 +107,11 @@ protected:
 
     void WriteRoutes(const std::string& lines) { m_directory.Write("route", ROUTES_HEADER + lines); }
     void WriteRules(const std::string& lines) { m_directory.Write("rules", lines); }
+    void WriteDevices(const std::string& table) { m_directory.Write("dev", table); }
+    const NIC_SOURCES& Sources() const { return m_sources; }
 
 private:
-    void Write(const std::string& devices) { m_directory.Write("dev", HEADER + devices); }
+    void Write(const std::string& devices) { WriteDevices(HEADER + devices); }
 
     const CTempDirectory m_directory;
     const std::string m_devices = m_directory.Path("dev");
@@ -134,6 +136,14 @@ TEST_F(NICEnumeration, ListsEthernetAndBondInterfacesOnly)
                            "  tun0:  100 1 0 0\n"
                            " bond0:  100 1 0 0\n");
     EXPECT_THAT(Names(list), testing::ElementsAre("eth0", "ETH1", "bond0"));
+}
+
+TEST_F(NICEnumeration, FirstTwoLinesAreTheHeader)
+{
+    WriteDevices("eth0: 1\neth2: 1\nbond0: 1\n");
+    std::list<CPFHelper::__TNICInfo> list;
+    EXPECT_EQ(1, FindNICs(Sources(), list));
+    EXPECT_THAT(Names(list), testing::ElementsAre("bond0"));
 }
 
 TEST_F(NICEnumeration, ListsANameOnce)
@@ -209,7 +219,8 @@ TEST_F(NICEnumeration, RuleWithoutAWholeAddressGivesNone)
     EXPECT_THAT(MacOf(Find("eth0: 1\n").front()), testing::ElementsAre(0x00, 0x11, 0x22, 0x33, 0x44, 0x05));
     WriteRules("NAME=\"eth0\" ATTR{address}==\"00:11:22:33:44:5");
     EXPECT_THAT(MacOf(Find("eth0: 1\n").front()), testing::ElementsAre(0x02, 0, 0, 0, 0, 0xA0));
-    WriteRules("NAME=\"eth0\"\n");
+    // The first line with the name is the one.
+    WriteRules("NAME=\"eth0\"\nATTR{address}==\"00:11:22:33:44:55\", NAME=\"eth0\"\n");
     EXPECT_THAT(MacOf(Find("eth0: 1\n").front()), testing::ElementsAre(0x02, 0, 0, 0, 0, 0xA0));
 }
 

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -55,6 +56,18 @@ TEST(NameLock, MakesTheSemaphoreFreeAndLeavesItBehind)
         lock.Unlock();
     }
     EXPECT_EQ(1, ValueOf(name.Get()));
+}
+
+// The C library keeps the semaphore as a file of shared memory.
+TEST(NameLock, EveryUserMayTakeANewOne)
+{
+    const CName name("mode");
+    const mode_t before = umask(0);
+    const CNameLock lock(name.Get());
+    umask(before);
+    struct stat status = {};
+    ASSERT_EQ(0, stat(("/dev/shm/sem." + std::string(name.Get() + 1)).c_str(), &status));
+    EXPECT_EQ(0666u, status.st_mode & 07777u);
 }
 
 TEST(NameLock, OpensTheSemaphoreThatIsThere)

@@ -17,6 +17,14 @@ TEST(PFAssertDeathTest, FalseExpressionEndsTheProcessWithItsPlace)
                 "PFAssertTest.cpp:[0-9]+: .*Assertion .one == 2. failed");
 }
 
+TEST(PFAssertDeathTest, TextStandsForTheExpression)
+{
+    const int one = 1;
+    PF_ASSERT_TEXT(one == 1, "established");
+    EXPECT_EXIT(PF_ASSERT_TEXT(one == 2, "established"), testing::KilledBySignal(SIGABRT),
+                "PFAssertTest.cpp:[0-9]+: .*Assertion .established. failed");
+}
+
 TEST(PFSocket, NeedsNothingOnThisPlatform)
 {
     EXPECT_EQ(0, CPFSocket::Startup());

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 TEST(PFDirectory, IsCreatedAndRemoved)
 {
     const CTempDirectory directory;
@@ -14,6 +16,17 @@ TEST(PFDirectory, IsCreatedAndRemoved)
     EXPECT_FALSE(CPFDirectory::CreateDirectory(path.c_str()));
     EXPECT_TRUE(CPFDirectory::RemoveDirectory(path.c_str()));
     EXPECT_FALSE(CPFDirectory::RemoveDirectory(path.c_str()));
+}
+
+TEST(PFDirectory, NewOneHasEveryRightThatTheMaskLeaves)
+{
+    const CTempDirectory directory;
+    const mode_t before = umask(0);
+    EXPECT_TRUE(CPFDirectory::CreateDirectory(directory.Path("d").c_str()));
+    umask(before);
+    struct stat status = {};
+    ASSERT_EQ(0, stat(directory.Path("d").c_str(), &status));
+    EXPECT_EQ(0777u, status.st_mode & 07777u);
 }
 
 TEST(PFDirectory, FileIsNone)

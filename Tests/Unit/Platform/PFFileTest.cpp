@@ -16,6 +16,27 @@
 namespace
 {
 
+/// Lets new files have every right while it lives.
+class COpenMask
+{
+public:
+    COpenMask() : m_before(umask(0)) {}
+    ~COpenMask() { umask(m_before); }
+    COpenMask(const COpenMask&) = delete;
+    COpenMask& operator=(const COpenMask&) = delete;
+
+private:
+    const mode_t m_before;
+};
+
+/// The number that the next descriptor gets.
+int NextDescriptor()
+{
+    const int next = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    close(next);
+    return next;
+}
+
 std::string ReadAll(CPFFile& file)
 {
     char bytes[64] = {};
@@ -117,6 +138,34 @@ TEST(PFFile, Mode257ReadsAndMakesAMissingFile)
     EXPECT_EQ(0, file.GetSize());
 }
 
+TEST(PFFile, NewFileHasEveryRightThatTheMaskLeaves)
+{
+    const CTempDirectory directory;
+    const COpenMask mask;
+    CPFFile file;
+    ASSERT_TRUE(file.OpenFile(directory.Path("f").c_str(), 0x42));
+    struct stat status = {};
+    ASSERT_EQ(0, stat(directory.Path("f").c_str(), &status));
+    EXPECT_EQ(0777u, status.st_mode & 07777u);
+}
+
+// Some file systems refuse it, and say so.
+TEST(PFFile, UnbufferedFileIsReadWithoutTheSystemsCache)
+{
+    const CTempDirectory directory;
+    const std::string path = directory.Write("f", "text");
+    CPFFile file;
+    for (const unsigned int flags : {0x001u, 0x801u})
+    {
+        const int descriptor = NextDescriptor();
+        errno = 0;
+        const bool isOpen = file.OpenFile(path.c_str(), flags);
+        const bool isDirect = isOpen ? (fcntl(descriptor, F_GETFL) & O_DIRECT) != 0 : errno == EINVAL;
+        EXPECT_EQ(flags == 0x801, isDirect) << flags;
+        file.CloseFile();
+    }
+}
+
 TEST(PFFile, DeletesOnClose)
 {
     const CTempDirectory directory;
@@ -191,6 +240,21 @@ TEST(PFFile, SizeLeavesThePlace)
     file.Seek(8, CPFFile::SEEK_FROM_BEGIN);
     EXPECT_EQ(10, file.GetSize());
     EXPECT_EQ("89", ReadAll(file));
+}
+
+// A 32-bit device has files as large as any other.
+TEST(PFFile, ReachesBeyondFourGibibytes)
+{
+    const CTempDirectory directory;
+    const std::string path = directory.Write("f", "");
+    CPFFile file;
+    ASSERT_TRUE(file.OpenFile(path.c_str(), 3));
+    EXPECT_EQ(5368709120, file.Seek(5368709120, CPFFile::SEEK_FROM_BEGIN));
+    EXPECT_TRUE(file.Write("end", 3));
+    EXPECT_EQ(5368709123, file.GetSize());
+    EXPECT_EQ(5368709120, file.Seek(-3, CPFFile::SEEK_FROM_END));
+    EXPECT_EQ("end", ReadAll(file));
+    EXPECT_TRUE(CPFFile::FileExist(path.c_str()));
 }
 
 TEST(PFFile, NeitherDirectoryLinkNorSocketExistsAsAFile)

@@ -114,7 +114,7 @@ TEST(PFHelperSystemCallDeathTest, LongerCommandEndsTheProcess)
 {
     int result = 0;
     EXPECT_DEATH(RequestSystemCall(SYSTEM_CALL_HELPER, std::string(256, 'x').c_str(), false, result),
-                 "sizeof\\(request.szCmd\\)");
+                 "Assertion .strlen\\(szCmd\\) < sizeof\\(request.szCmd\\). failed");
 }
 
 TEST(PFHelperSystemCallNames, AreTheHelpers)

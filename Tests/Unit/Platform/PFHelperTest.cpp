@@ -12,6 +12,7 @@
 #include <cstring>
 #include <thread>
 
+#include <pthread.h>
 #include <sched.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
@@ -132,6 +133,27 @@ TEST(PFHelper, CreatedThreadSeesTheIdThatItsCreatorGot)
     EXPECT_EQ(created, result);
     EXPECT_EQ(created, seen);
     EXPECT_EQ(0u, id);
+}
+
+TEST(PFHelper, ThreadWithoutRoomForItsStackIsNone)
+{
+    pthread_attr_t before;
+    ASSERT_EQ(0, pthread_getattr_default_np(&before));
+    pthread_attr_t huge;
+    ASSERT_EQ(0, pthread_attr_init(&huge));
+    ASSERT_EQ(0,
+              pthread_attr_setstacksize(&huge, SIZE_MAX / 4 * 3 / CPFHelper::GetPageSize() * CPFHelper::GetPageSize()));
+    ASSERT_EQ(0, pthread_setattr_default_np(&huge));
+    std::atomic<unsigned int> seen{0};
+    unsigned int id = 7;
+    errno = 0;
+    EXPECT_EQ(0u, CPFHelper::CreateThread(&StoreThreadID, &seen, &id));
+    EXPECT_EQ(EAGAIN, errno);
+    EXPECT_EQ(7u, id);
+    EXPECT_EQ(0, pthread_setattr_default_np(&before));
+    pthread_attr_destroy(&huge);
+    pthread_attr_destroy(&before);
+    EXPECT_EQ(0u, seen);
 }
 
 TEST(PFHelper, DetachedThreadIsNoLongerKnown)

@@ -90,6 +90,20 @@ TEST_F(PFTimeInZone, IsMadeFromFieldsOfEitherClock)
 }
 
 // The zone's seconds west of UTC are added, so this lies beyond UTC and not at the local time.
+// 2147483647 seconds end on 2038-01-19.
+TEST_F(PFTimeInZone, GoesOnAfter2038)
+{
+    const CPFTime time(2040, 2, 29, 12, 30, 15, true);
+    EXPECT_EQ(2214131415, time.GetTime());
+    EXPECT_EQ(2040, time.GetUTCYear());
+    EXPECT_EQ(2, time.GetUTCMonth());
+    EXPECT_EQ(29, time.GetUTCDay());
+    EXPECT_EQ(9, time.GetHour());
+    EXPECT_EQ(2214131415, CPFTime(2040, 2, 29, 9, 0, 15, false).GetTime());
+    EXPECT_EQ(116444736000000000 + 2214131415 * 10000000ULL, UnitsOf(time));
+    EXPECT_EQ(2214131415, CPFTime(FileTime(116444736000000000 + 2214131415 * 10000000ULL)).GetTime());
+}
+
 TEST_F(PFTimeInZone, LocalTimeOf100nsIsOnTheOtherSide)
 {
     unsigned long long units = 0;

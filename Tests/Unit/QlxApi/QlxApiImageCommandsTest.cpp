@@ -46,7 +46,38 @@ TEST_F(QlxApiImageCommands, ChannelComesFromTheUrl)
 TEST_F(QlxApiImageCommands, DefaultOfWideDynamicRangeHasNoPlace)
 {
     m_device.imageCaps.wdrSwitchDefault = 1;
-    EXPECT_DEATH(Ask("GetImageConfig"), "pXMLElement != ");
+    EXPECT_DEATH(Ask("GetImageConfig"), "Assertion .pXMLElement != 0. failed");
+}
+
+// One default shows at its own place and at no other; that of the iris as an empty attribute of another name.
+TEST_F(QlxApiImageCommands, DefaultsOfTheSwitches)
+{
+    const struct
+    {
+        std::uint8_t NETNS::DEV_IMAGE_CAPS::*byDefault;
+        const char* path;
+    } ROWS[] = {
+        {&NETNS::DEV_IMAGE_CAPS::mirrorDefault, "image/mirrorSwitch"},
+        {&NETNS::DEV_IMAGE_CAPS::flipDefault, "image/flipSwitch"},
+        {&NETNS::DEV_IMAGE_CAPS::denoiseSwitchDefault, "image/denoise/switch"},
+        {&NETNS::DEV_IMAGE_CAPS::irisDefault, "image/irisSwitch"},
+        {&NETNS::DEV_IMAGE_CAPS::sharpenSwitchDefault, "image/sharpen/switch"},
+    };
+    for (const auto& on : ROWS)
+    {
+        m_device.imageCaps = {};
+        m_device.imageCaps.*on.byDefault = 1;
+        const CQLXXMLParse document(BodyOf(Ask("GetImageConfig")));
+        for (const auto& row : ROWS)
+        {
+            std::string word;
+            const bool isIris = std::string(row.path) == "image/irisSwitch";
+            EXPECT_TRUE(document.GetAttributeStr(row.path, "default", word));
+            EXPECT_EQ(row.path == on.path && !isIris ? "true" : "false", word) << row.path << " with " << on.path;
+            EXPECT_EQ(row.path == on.path && isIris, document.GetAttributeStr(row.path, "true", word)) << row.path;
+            EXPECT_TRUE(!isIris || word.empty());
+        }
+    }
 }
 
 TEST_F(QlxApiImageCommands, EveryWordOfTheModes)

@@ -3,6 +3,8 @@
 #include "AlarmServer.h"
 #include "Base64Coder.h"
 #include "FakeDevice.h"
+#include "ShareSDK.h"
+#include "TempDirectory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -80,6 +82,25 @@ std::string Verify(const std::string& user, const std::string& password)
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?><userinfo>\t<username>" + user + "</username>\t<password>" +
            password + "</password>\t<ip>10.0.0.1</ip></userinfo>";
 }
+
+/// What is logged while it lives.
+class CLogFile
+{
+public:
+    CLogFile()
+    {
+        SHARESDK_SetLogLevel(SHARESDK_LOG_ALL);
+        EXPECT_TRUE(SHARESDK_LogToFile(m_directory.Path("log").c_str(), 1 << 20, 1));
+    }
+    ~CLogFile() { SHARESDK_LogToConsole(); }
+    CLogFile(const CLogFile&) = delete;
+    CLogFile& operator=(const CLogFile&) = delete;
+
+    std::string Text() const { return m_directory.Read("log"); }
+
+private:
+    const CTempDirectory m_directory;
+};
 
 class QLXApiProc : public testing::Test
 {
@@ -213,7 +234,9 @@ TEST_F(QLXApiProc, UnknownCommandsAnswerError1)
 
 TEST_F(QLXApiProc, WithoutADeviceEveryCommandAnswersError1)
 {
+    const CLogFile log;
     EXPECT_EQ(1, CQLXApiProc::Instance().Init(4, nullptr));
+    EXPECT_THAT(log.Text(), testing::HasSubstr("ASSERT"));
     EXPECT_EQ(Failure(1), Run("GetDeviceInfo"));
 }
 
@@ -318,7 +341,9 @@ TEST(QLXApiProcVerify, LongAddressIsCutAtTheRoom)
     CQLXApiProc::GetUserVerifyXml(std::string(1000, '1'), Request("a", "u:p"), out);
     EXPECT_EQ(511u, std::strlen(out));
     EXPECT_EQ('x', out[CQLXApiProc::VERIFY_SIZE]);
-    CQLXApiProc::GetUserVerifyXml("1", Request("a", "u:p"), nullptr); // logged
+    const CLogFile log;
+    CQLXApiProc::GetUserVerifyXml("1", Request("a", "u:p"), nullptr);
+    EXPECT_THAT(log.Text(), testing::HasSubstr("ASSERT"));
 }
 
 TEST(QLXApiProcUrl, ChannelStandsBehindTheFirstSlash)
@@ -358,6 +383,17 @@ TEST(QLXApiProcTime, SecondsAreWrittenAsLocalTime)
     tzset();
 }
 
+TEST(QLXApiProcTime, SecondsGoOnAfter2038)
+{
+    setenv("TZ", "UTC", 1);
+    tzset();
+    char text[CQLXApiProc::TIME_SIZE];
+    CQLXApiProc::Time2Str(2214131415, text);
+    EXPECT_STREQ("2040-02-29 12:30:15", text);
+    unsetenv("TZ");
+    tzset();
+}
+
 TEST(QLXApiProcTime, FieldsGoToTextAndBack)
 {
     NETNS::DEV_DATETIME time = {};
@@ -377,8 +413,13 @@ TEST(QLXApiProcTime, FieldsGoToTextAndBack)
 
 TEST(QLXApiProcTime, FieldsReadInFrontOfAnErrorStand)
 {
+    const CLogFile log;
     NETNS::DEV_DATETIME time = {{1, 2, 3}, {4, 5, 6}};
+    CQLXApiProc::str2Datetime("2024-1-2 3:4:5", time);
+    EXPECT_EQ("", log.Text());
+    time = {{1, 2, 3}, {4, 5, 6}};
     CQLXApiProc::str2Datetime("2024-12", time);
+    EXPECT_THAT(log.Text(), testing::HasSubstr(" read para error!"));
     EXPECT_EQ(2024, time.date.year);
     EXPECT_EQ(12, time.date.month);
     EXPECT_EQ(3, time.date.day);

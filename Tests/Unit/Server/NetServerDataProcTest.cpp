@@ -8,6 +8,7 @@
 #include "ShareSDK.h"
 #include "TempDirectory.h"
 
+#include <climits>
 #include <memory>
 #include <string>
 #include <utility>
@@ -188,6 +189,18 @@ TEST_F(NetServerDataProc, ZeroByteInAPathIsNotFound)
 {
     m_root.Write("a.txt", "x");
     EXPECT_EQ(NOT_FOUND, Get("/a.txt%00.png"));
+    EXPECT_EQ(0, m_device.Calls("GetWebFile"));
+}
+
+// The host would only be asked for a file that is missing; this one is there, but no response can hold it.
+TEST_F(NetServerDataProc, HugeFileIsNotFoundAndNotAskedOfTheHost)
+{
+    const std::string file = m_root.Write("a.txt", "x");
+    for (const off_t size : {off_t{INT_MAX} - 4095, off_t{INT_MAX} + 1, off_t{5368709120}})
+    {
+        ASSERT_EQ(0, truncate(file.c_str(), size));
+        EXPECT_EQ(NOT_FOUND, Get("/a.txt")) << size;
+    }
     EXPECT_EQ(0, m_device.Calls("GetWebFile"));
 }
 

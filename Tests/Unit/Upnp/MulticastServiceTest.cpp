@@ -2,9 +2,16 @@
 
 #include "NetworkNamespace.h"
 #include "ShareSDK.h"
+#include "TempDirectory.h"
+
+#include <fstream>
+#include <iterator>
+#include <string>
 
 #include <dirent.h>
+#include <sys/prctl.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace
@@ -16,6 +23,17 @@ class CPlainService : public CMulticastService
 public:
     using CMulticastService::ParseResp;
     using CMulticastService::SendCmd;
+};
+
+/// Notes the name of the thread that sends.
+class CNamedService : public CMulticastService
+{
+public:
+    char threadName[16] = {};
+
+private:
+    void InvokeSend() override { prctl(PR_GET_NAME, threadName); }
+    void ParseResp(const char* /*data*/, int /*length*/) override {}
 };
 
 int OpenDescriptors()
@@ -60,6 +78,14 @@ TEST_F(MulticastService, BaseSendsAnEmptyDatagramOnce)
     EXPECT_TRUE(wire.Take().empty());
 }
 
+TEST(MulticastThread, HasItsName)
+{
+    CNamedService service;
+    service.Start();
+    service.Stop();
+    EXPECT_STREQ("multicast threa", service.threadName); // of "multicast thread!" the kernel keeps 15 bytes
+}
+
 TEST_F(MulticastService, BasePrintsWhatComes)
 {
     CPlainService service;
@@ -73,13 +99,32 @@ TEST_F(MulticastService, InterfaceThatCannotSendDelaysNoOther)
 {
     ASSERT_TRUE(CNetworkNamespace::AddInterface("eth1", "10.2.0.5/24"));
     CDatagramSniffer wire("eth1");
+    const CTempDirectory directory;
+    SHARESDK_SetLogLevel(SHARESDK_LOG_ALL);
+    ASSERT_TRUE(SHARESDK_LogToFile(directory.Path("log").c_str(), 1 << 20, 1));
     CPlainService service;
     service.Initial("239.255.255.250", 1900);
     ASSERT_TRUE(CNetworkNamespace::Ip("link set eth0 down"));
+    EXPECT_THAT(directory.Read("log"), testing::Not(testing::HasSubstr("ASSERT")));
     service.SendCmd("abc", 3);
+    EXPECT_THAT(directory.Read("log"), testing::HasSubstr("ASSERT"));
+    SHARESDK_LogToConsole();
     const auto datagrams = wire.Await(1);
     ASSERT_EQ(1u, datagrams.size());
     EXPECT_EQ("abc", datagrams[0].payload);
+}
+
+TEST_F(MulticastService, SendingSocketsJoinTheGroup)
+{
+    CPlainService service;
+    const auto groups = []
+    {
+        std::ifstream table("/proc/self/net/igmp");
+        return std::string(std::istreambuf_iterator<char>(table), std::istreambuf_iterator<char>());
+    };
+    EXPECT_THAT(groups(), testing::Not(testing::HasSubstr("FAFFFFEF"))); // 239.255.255.250
+    service.Initial("239.255.255.250", 1900);
+    EXPECT_THAT(groups(), testing::HasSubstr("FAFFFFEF"));
 }
 
 TEST_F(MulticastService, SecondInitialOpensNoMoreSockets)

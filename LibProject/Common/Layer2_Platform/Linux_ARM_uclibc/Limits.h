@@ -20,6 +20,12 @@ constexpr std::size_t LIMIT_MOTION_GRID_ROWS = 1024;
 constexpr std::size_t LIMIT_ABANDONED_CONNECTIONS = 32;
 /// Elements within elements in an XML document.
 constexpr std::size_t LIMIT_XML_NESTING = 500;
+/// Elements, attributes and other markup of an XML document.
+constexpr std::size_t LIMIT_XML_NODES = 65536;
+/// Attributes of one element in an XML document.
+constexpr std::size_t LIMIT_XML_ATTRIBUTES = 256;
+/// Character references without an end in an XML document.
+constexpr std::size_t LIMIT_XML_OPEN_REFERENCES = 64;
 
 /// Events of one camera that wait for the next delivery; what comes on top is dropped.
 constexpr std::size_t LIMIT_WAITING_EVENTS = 4096;

@@ -7,5 +7,8 @@
 /// Prints the failed expression with its place to standard error and ends the process with SIGABRT. Any thread.
 [[noreturn]] void PF_AssertFail(const char* expression, const char* file, int line, const char* function);
 
-#define PF_ASSERT(expression)                                                                                          \
-    (static_cast<bool>(expression) ? static_cast<void>(0) : PF_AssertFail(#expression, __FILE__, __LINE__, __func__))
+#define PF_ASSERT(expression) PF_ASSERT_TEXT(expression, #expression)
+
+/// The same under an established text, by which the failure is known wherever the expression may have moved since.
+#define PF_ASSERT_TEXT(expression, text)                                                                               \
+    (static_cast<bool>(expression) ? static_cast<void>(0) : PF_AssertFail(text, __FILE__, __LINE__, __func__))

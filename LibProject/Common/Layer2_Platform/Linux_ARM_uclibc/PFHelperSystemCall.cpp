@@ -67,11 +67,11 @@ bool Exchange(const SYSTEM_CALL_CHANNEL& channel, const Request& request, Reply&
 const SYSTEM_CALL_CHANNEL SYSTEM_CALL_HELPER = {"SystemCall_LockFile_89Io2", "/tmp/SystemCall_pipe_Server_89Io2",
                                                 "/tmp/SystemCall_pipe_Client_89Io2"};
 
-bool RequestSystemCall(const SYSTEM_CALL_CHANNEL& channel, const char* command, bool flag, int& result)
+bool RequestSystemCall(const SYSTEM_CALL_CHANNEL& channel, const char* szCmd, bool flag, int& result)
 {
     Request request = {};
-    PF_ASSERT(std::strlen(command) < sizeof(request.szCmd));
-    std::memcpy(request.szCmd, command, std::strlen(command));
+    PF_ASSERT_TEXT(std::strlen(szCmd) < sizeof(request.szCmd), "strlen(szCmd) < sizeof(request.szCmd)");
+    std::memcpy(request.szCmd, szCmd, std::strlen(szCmd));
     request.flag = flag ? 1 : 0;
 
     sem_t* const turn = sem_open(channel.semaphore, 0);

@@ -13,4 +13,4 @@ struct SYSTEM_CALL_CHANNEL
 extern const SYSTEM_CALL_CHANNEL SYSTEM_CALL_HELPER;
 
 /// CPFHelper::SystemCall over the given channel.
-bool RequestSystemCall(const SYSTEM_CALL_CHANNEL& channel, const char* command, bool flag, int& result);
+bool RequestSystemCall(const SYSTEM_CALL_CHANNEL& channel, const char* szCmd, bool flag, int& result);

@@ -56,11 +56,11 @@ void CSysHelper::CreateGUID(_GUID& guid)
     CPFHelper::CreateGUID(guid);
 }
 
-bool CSysHelper::GuidToString(const _GUID& guid, char* text)
+bool CSysHelper::GuidToString(const _GUID& guid, char* pGUIDStr)
 {
-    PF_ASSERT(text != nullptr);
-    std::snprintf(text, 39, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", guid.Data1, guid.Data2, guid.Data3,
-                  guid.Data4[0], guid.Data4[1], guid.Data4[2], guid.Data4[3], guid.Data4[4], guid.Data4[5],
+    PF_ASSERT_TEXT(pGUIDStr != nullptr, "pGUIDStr != __null");
+    std::snprintf(pGUIDStr, 39, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", guid.Data1, guid.Data2,
+                  guid.Data3, guid.Data4[0], guid.Data4[1], guid.Data4[2], guid.Data4[3], guid.Data4[4], guid.Data4[5],
                   guid.Data4[6], guid.Data4[7]);
     return true;
 }
@@ -176,14 +176,17 @@ bool CSysHelper::IsValidSubnet(const char* text)
 
 unsigned int CSysHelper::GetBuildDate()
 {
-    // __DATE__ is "Mmm dd yyyy" with a space in front of a day below 10, __TIME__ is "hh:mm:ss".
+    return BuildDateOf(__DATE__, __TIME__);
+}
+
+unsigned int CSysHelper::BuildDateOf(const char* date, const char* time)
+{
     const char MONTHS[] = "JanFebMarAprMayJunJulAugSepOctNovDec";
-    const char date[] = __DATE__;
     const char monthName[4] = {date[0], date[1], date[2], '\0'};
     const unsigned int month = static_cast<unsigned int>(std::strstr(MONTHS, monthName) - MONTHS) / 3 + 1;
     const unsigned int day = static_cast<unsigned int>(std::strtoul(date + 4, nullptr, 10));
     const unsigned int year = static_cast<unsigned int>(std::strtoul(date + 7, nullptr, 10));
-    const unsigned int hour = static_cast<unsigned int>(std::strtoul(__TIME__, nullptr, 10));
+    const unsigned int hour = static_cast<unsigned int>(std::strtoul(time, nullptr, 10));
     return (year << 16) | (month << 10) | (day << 5) | hour;
 }
 

@@ -12,8 +12,8 @@ public:
     static int GetCPUCount();
     static void CreateGUID(_GUID& guid);
 
-    /// Writes "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}". @param text  not null, room for 39 bytes. @return true
-    static bool GuidToString(const _GUID& guid, char* text);
+    /// Writes "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}". @param pGUIDStr  not null, room for 39 bytes. @return true
+    static bool GuidToString(const _GUID& guid, char* pGUIDStr);
     /// @param text  a GUID as GuidToString writes it; anything else ends the process
     static _GUID GetGuidFromString(const char* text);
     /// The same for text that nobody vouches for. @return false, with `guid` left alone, when it is no GUID
@@ -48,5 +48,7 @@ public:
 
     /// Year, month, day and hour of the build in 16, 6, 5 and 5 bits from the top.
     static unsigned int GetBuildDate();
+    /// The same for any build. @param date  as __DATE__ has it: "Jan  2 2026" @param time  as __TIME__: "03:04:05"
+    static unsigned int BuildDateOf(const char* date, const char* time);
     static void ParseBuildDate(unsigned int date, int& year, int& month, int& day, int& hour);
 };

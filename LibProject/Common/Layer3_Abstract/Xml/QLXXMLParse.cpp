@@ -2,9 +2,8 @@
 // QLXXMLParseValues.cpp.
 #include "QLXXMLParse.h"
 
-#include "Limits.h"
 #include "PFAssert.h"
-#include "XmlNesting.h"
+#include "XmlBounds.h"
 
 #include <cstdint>
 #include <cstring>
@@ -106,7 +105,7 @@ bool CQLXXMLParse::Parse(const char* xml, size_t length)
 {
     ForgetItems();
     m_XMLDocument.Clear();
-    if (xml == nullptr || length == 0 || XmlNestsDeeperThan(std::string_view(xml, length), LIMIT_XML_NESTING))
+    if (xml == nullptr || length == 0 || !XmlIsWithin(XML_DOCUMENT_BOUNDS, std::string_view(xml, length)))
     {
         return false;
     }
@@ -318,7 +317,7 @@ unsigned int CQLXXMLParse::AddElement(const std::string& path, const std::string
 unsigned int CQLXXMLParse::AddElement(unsigned int item, const std::string& path, const std::string& value, bool cdata)
 {
     XMLElement* const pXMLElement = ElementOf(item);
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     return ItemOf(NewElement(path, value, pXMLElement, cdata));
 }
 
@@ -344,7 +343,7 @@ bool CQLXXMLParse::SetText(XMLNode* node, const char* text, bool cdata)
 
 bool CQLXXMLParse::RemoveElement(XMLElement* pXMLElement)
 {
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     ForgetItems(pXMLElement);
     m_XMLDocument.DeleteNode(pXMLElement);
     return true;
@@ -352,7 +351,7 @@ bool CQLXXMLParse::RemoveElement(XMLElement* pXMLElement)
 
 bool CQLXXMLParse::RemoveChildren(XMLElement* pXMLElement)
 {
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     for (XMLNode* child = pXMLElement->FirstChild(); child != nullptr; child = child->NextSibling())
     {
         ForgetItems(child);
@@ -403,7 +402,7 @@ bool CQLXXMLParse::GetChildrenXMLData(unsigned int item, std::string& xml) const
 
 bool CQLXXMLParse::Clone(XMLElement* pXMLElement, const std::string& xml)
 {
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     CQLXXMLParse other;
     if (!other.Parse(xml.data(), xml.size()))
     {

@@ -4,6 +4,7 @@
 #include "PFAssert.h"
 #include "SysHelper.h"
 
+#include <cstdint>
 #include <sstream>
 
 using tinyxml2::XMLElement;
@@ -41,15 +42,16 @@ bool ReadStr(const XMLElement* element, std::string& value)
     return element != nullptr;
 }
 
+// Read at 64 bits and cut: QueryIntText gives another result for a number beyond an int where `long` has 32 bits.
 bool ReadI32(const XMLElement* element, int& value)
 {
-    value = 0;
-    if (element == nullptr)
+    std::int64_t number = 0;
+    if (element != nullptr)
     {
-        return false;
+        element->QueryInt64Text(&number); // text that is no number leaves 0
     }
-    element->QueryIntText(&value); // text that is no number leaves 0
-    return true;
+    value = static_cast<int>(number);
+    return element != nullptr;
 }
 
 template <typename NUMBER>
@@ -78,13 +80,14 @@ bool ReadAttributeStr(const XMLElement* element, const std::string& name, std::s
 
 bool ReadAttributeI32(const XMLElement* element, const std::string& name, int& value)
 {
-    value = 0;
-    if (AttributeOf(element, name) == nullptr)
+    std::int64_t number = 0;
+    const bool isThere = AttributeOf(element, name) != nullptr;
+    if (isThere)
     {
-        return false;
+        element->QueryInt64Attribute(name.c_str(), &number);
     }
-    element->QueryIntAttribute(name.c_str(), &value);
-    return true;
+    value = static_cast<int>(number);
+    return isThere;
 }
 
 template <typename NUMBER>
@@ -101,11 +104,11 @@ bool ReadAttributeGuid(const XMLElement* element, const std::string& name, _GUID
     return ConvertGuid(text, value) && text != nullptr;
 }
 
-bool ReadAttributes(const XMLElement* element, std::map<std::string, std::string>& attributes)
+bool ReadAttributes(const XMLElement* pXMLElement, std::map<std::string, std::string>& attributes)
 {
-    PF_ASSERT(element != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     attributes.clear();
-    for (const tinyxml2::XMLAttribute* one = element->FirstAttribute(); one != nullptr; one = one->Next())
+    for (const tinyxml2::XMLAttribute* one = pXMLElement->FirstAttribute(); one != nullptr; one = one->Next())
     {
         attributes[one->Name()] = one->Value();
     }
@@ -116,27 +119,28 @@ bool ReadAttributes(const XMLElement* element, std::map<std::string, std::string
 
 bool CQLXXMLParse::WriteText(XMLElement* pXMLElement, const std::string& value, bool cdata)
 {
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     return SetText(pXMLElement, value.c_str(), cdata);
 }
 
 bool CQLXXMLParse::WriteBelow(unsigned int item, const std::string& path, const std::string& value, bool cdata)
 {
-    PF_ASSERT(ElementOf(item) != nullptr);
-    XMLElement* const element = Below(item, path);
-    return element != nullptr && SetText(element, value.c_str(), cdata);
+    const XMLElement* const pXMLElement = ElementOf(item);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
+    XMLElement* const found = FindElement(path, pXMLElement);
+    return found != nullptr && SetText(found, value.c_str(), cdata);
 }
 
 bool CQLXXMLParse::WriteAttribute(XMLElement* pXMLElement, const std::string& name, const std::string& value)
 {
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     pXMLElement->SetAttribute(name.c_str(), value.c_str());
     return true;
 }
 
 bool CQLXXMLParse::RemoveAttribute(XMLElement* pXMLElement, const std::string& name)
 {
-    PF_ASSERT(pXMLElement != nullptr);
+    PF_ASSERT_TEXT(pXMLElement != nullptr, "pXMLElement != 0");
     pXMLElement->DeleteAttribute(name.c_str());
     return true;
 }

@@ -64,9 +64,11 @@ inline std::string DeviceAnswer(const std::string& body, const Maker& maker = Ma
     return text;
 }
 
+/// A fault that blames an argument, which these transforms do not tell apart from any other.
 inline std::string DeviceFault(const Maker& maker = Makers().front())
 {
-    return DeviceAnswer("<s:Fault><s:Code><s:Value>s:Sender</s:Value></s:Code><s:Reason><s:Text>No way</s:Text>"
+    return DeviceAnswer("<s:Fault><s:Code><s:Value>s:Sender</s:Value><s:Subcode>"
+                        "<s:Value>ter:InvalidArgVal</s:Value></s:Subcode></s:Code><s:Reason><s:Text>No way</s:Text>"
                         "</s:Reason></s:Fault>",
                         maker);
 }

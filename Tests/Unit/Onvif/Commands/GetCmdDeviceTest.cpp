@@ -210,6 +210,17 @@ TEST(GetCmdDevice, SetALocalTimeOfSummer)
     EXPECT_NE(std::string::npos, request.find("<tt:Hour>10</tt:Hour>")) << request;
 }
 
+TEST(GetCmdDevice, SetATimeAfter2038)
+{
+    const Zone zone("XYZ-2"); // two hours east
+    const std::string request =
+        SetTime("<type>Manual</type><UTCDateTime><time><hour>1</hour></time><date><year>2040</year><month>3</month>"
+                "<day>1</day></date></UTCDateTime>");
+    EXPECT_NE(std::string::npos, request.find("<tt:Hour>23</tt:Hour>")) << request;
+    EXPECT_NE(std::string::npos, request.find("<tt:Year>2040</tt:Year><tt:Month>2</tt:Month><tt:Day>29</tt:Day>"))
+        << request;
+}
+
 TEST(GetCmdDevice, SetNoTimeByNtp)
 {
     EXPECT_EQ(TimeRequest("<tds:DateTimeType>NTP</tds:DateTimeType>"), SetTime("<type>NTP</type>" + UTC));

@@ -96,6 +96,25 @@ const SpeedCase FOCUS_CASES[] = {
 // clang-format on
 INSTANTIATE_TEST_SUITE_P(Speeds, GetCmdFocus, testing::ValuesIn(FOCUS_CASES));
 
+// A device that did not tell its ranges has -1 to 1 on every axis.
+TEST(GetCmd, TakesOneForEachBoundThatIsNotKnown)
+{
+    for (const auto& [percent, speed] :
+         {std::pair<std::string, std::string>{"100", "1.00000000"}, {"-100", "-1.00000000"}})
+    {
+        const std::string soap = CGetDefaultCmd::Instance().ContinuousMove(
+            Set("<continuousMove><ptz><velocity><x>" + percent + "</x><y>" + percent + "</y><zoom>" + percent +
+                "</zoom></velocity></ptz></continuousMove>"),
+            nullptr);
+        EXPECT_EQ(speed, Behind(soap, "<tt:PanTilt x=\""));
+        EXPECT_EQ(speed, Behind(soap, " y=\""));
+        EXPECT_EQ(speed, Behind(soap, "<tt:Zoom x=\""));
+        EXPECT_EQ(speed, Behind(CGetDefaultCmd::Instance().ContinuousFocus(
+                                    Set("<continuousFocus><speed>" + percent + "</speed></continuousFocus>"), nullptr),
+                                "<tt:Speed>"));
+    }
+}
+
 TEST(GetCmd, ReadsTextAsNoSpeed)
 {
     const std::string soap = CGetDefaultCmd::Instance().ContinuousMove(

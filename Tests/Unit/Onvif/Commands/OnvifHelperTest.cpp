@@ -1,9 +1,12 @@
 #include "OnvifHelper.h"
 
 #include "Base64Coder.h"
+#include "TempDirectory.h"
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -178,6 +181,67 @@ TEST(OnvifHelper, WritesDurationsWithoutTheirSeconds)
     EXPECT_EQ("P1DT", COnvifHelper::ChangeToXmlTime(86401));
     EXPECT_EQ("P1DT1H1M", COnvifHelper::ChangeToXmlTime(90061));
     EXPECT_EQ("", COnvifHelper::ChangeToXmlTime(-1));
+}
+
+TEST(OnvifHelper, WritesEightDigitsBehindThePoint)
+{
+    EXPECT_EQ("0.00000000", COnvifHelper::DecimalText(0));
+    EXPECT_EQ("0.00000000", COnvifHelper::DecimalText(-0.0));
+    EXPECT_EQ("0.12345679", COnvifHelper::DecimalText(0.123456789));
+    EXPECT_EQ("-1.50000000", COnvifHelper::DecimalText(-1.5));
+    EXPECT_EQ("4611686018427387904.00000000", COnvifHelper::DecimalText(4611686018427387904.0));
+}
+
+TEST(OnvifHelper, ReadsTheNumberAtTheStartOfAText)
+{
+    EXPECT_EQ(-0.25, COnvifHelper::ReadDecimal(" -0.25x"));
+    EXPECT_EQ(100, COnvifHelper::ReadDecimal("1e2"));
+    for (const char* text : {"", "fast", "-", ".", ","})
+    {
+        EXPECT_EQ(0, COnvifHelper::ReadDecimal(text)) << text;
+    }
+}
+
+/// A locale whose numbers have a comma, for the process while it lives.
+class CommaLocale
+{
+public:
+    CommaLocale()
+    {
+        const std::string source =
+            m_directory.Write("source", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \"\"\ngrouping -1\n"
+                                        "END LC_NUMERIC\n");
+        // It warns of all that the locale lacks, and ends with a failure for that.
+        const std::string make = "localedef -c --no-archive -i " + source + " " + m_directory.Path("comma_X");
+        isThere = std::system((make + " >/dev/null 2>&1").c_str()) != -1;
+        setenv("LOCPATH", m_directory.Path().c_str(), 1);
+        isThere = isThere && std::setlocale(LC_NUMERIC, "comma_X") != nullptr;
+    }
+    ~CommaLocale()
+    {
+        std::setlocale(LC_NUMERIC, "C");
+        unsetenv("LOCPATH");
+    }
+    CommaLocale(const CommaLocale&) = delete;
+    CommaLocale& operator=(const CommaLocale&) = delete;
+
+    bool isThere = false;
+
+private:
+    const CTempDirectory m_directory;
+};
+
+// Hosts follow their users' locale, cameras do not.
+TEST(OnvifHelper, KeepsThePointInALocaleOfTheHost)
+{
+    const CommaLocale locale;
+    if (!locale.isThere)
+    {
+        GTEST_SKIP() << "localedef is not installed";
+    }
+    ASSERT_EQ(',', *localeconv()->decimal_point);
+    EXPECT_EQ("-0.50000000", COnvifHelper::DecimalText(-0.5));
+    EXPECT_EQ(0.75, COnvifHelper::ReadDecimal("0.75"));
 }
 
 struct GridCase

@@ -219,6 +219,14 @@ TEST_P(XmlTransformAnswer, OfAFaultIsJustItsStatus)
     }
 }
 
+TEST_P(XmlTransformAnswer, TellsABlamedArgumentOfTheNetworkProtocolsOnly)
+{
+    const std::string expected = GetParam().transform == &CXmlTransform::TransGetNetworkProtocols ? "30" : "5";
+    const std::string answer =
+        Transformed(GetParam().transform, RenderOnvifAnswer(OnvifAnswer::Fault("ter:InvalidArgVal", "No"), {}));
+    EXPECT_NE(std::string::npos, answer.find("<errorCode>" + expected + "</errorCode>")) << answer;
+}
+
 // Whatever comes, the answer stays a document.
 TEST_P(XmlTransformAnswer, StaysADocumentWhenTheCamerasIsCut)
 {

@@ -166,9 +166,12 @@ TEST_F(EventParse, FirstEventEndsTheOtherMode)
 
 TEST_F(EventParse, UnreadableAnswerCountsAsOneWithoutEvents)
 {
+    FakeClock clock;
+    clock.Advance(77);
     Receive(Http("<html>no</html>"));
     EXPECT_EQ("", Events());
     EXPECT_TRUE(m_record.responseReady);
+    EXPECT_EQ(clock.Now(), m_record.lastRenew);
     EXPECT_FALSE(m_record.eventSeen);
 }
 

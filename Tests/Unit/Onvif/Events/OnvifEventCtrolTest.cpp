@@ -328,6 +328,16 @@ TEST_F(OnvifEventCtrol, RemovedCameraIsNotToldOf)
     EXPECT_THAT(m_host.Take(), IsEmpty());
 }
 
+TEST_F(OnvifEventCtrol, CameraMayBeWatchedForNobody)
+{
+    m_control.AddObserver(Login(m_camera), nullptr, "127.0.0.1", true, false);
+    Push(m_camera, Message(MOTION_TOPIC, "true"));
+    Push(m_camera, Message(INPUT_TOPIC, "true"));
+    Pass();
+    Pass(10001);
+    EXPECT_THAT(EventOperations(m_camera), ElementsAre("Subscribe"));
+}
+
 TEST_F(OnvifEventCtrol, UnknownLoginIsWatchedInVain)
 {
     EXPECT_EQ(1, m_control.AddObserver(77, &m_host, "", true, false));
@@ -377,6 +387,41 @@ TEST_F(OnvifEventCtrol, ReferenceOfOneMessageHoldsForThoseBehindIt)
     PushTo("", Message(MOTION_TOPIC, "true", "http://192.168.1.20/s") + Message(INPUT_TOPIC, "true"));
     Pass();
     EXPECT_THAT(m_host.Take(), ElementsAre(Call(token, "motion on"), Call(token, "alarm-in 1 on")));
+}
+
+// Also when the message itself tells nothing.
+TEST_F(OnvifEventCtrol, ReferenceOfAMessageWithoutATopicHoldsToo)
+{
+    m_camera.SetAnswer("Subscribe", SubscriptionAt("http://192.168.1.20/s"));
+    const unsigned int token = Watch(m_camera);
+    Messages messages = Message(MOTION_TOPIC, "true", "http://192.168.1.20/s");
+    messages.list[0].topicElement = "wsnt:Other";
+    PushTo("", messages + Message(INPUT_TOPIC, "true"));
+    Pass();
+    EXPECT_THAT(m_host.Take(), ElementsAre(Call(token, "alarm-in 1 on")));
+}
+
+TEST_F(OnvifEventCtrol, ReferenceWithoutAHostFitsNobody)
+{
+    Watch(m_camera);
+    PushTo("", Message(MOTION_TOPIC, "true", "http:///onvif"));
+    PushTo("", Message(MOTION_TOPIC, "true", "http:///"));
+    Pass();
+    EXPECT_THAT(m_host.Take(), IsEmpty());
+}
+
+// An address that is no URL is compared as a whole.
+TEST_F(OnvifEventCtrol, ReferenceOfAnotherKindFitsAsItBegins)
+{
+    m_camera.SetAnswer("Subscribe", SubscriptionAt("urn:camera:17/s"));
+    const unsigned int token = Watch(m_camera);
+    PushTo("", Message(MOTION_TOPIC, "true", "urn:camera:18"));
+    PushTo("", Message(MOTION_TOPIC, "true", "urn:camera:17/s/more"));
+    Pass();
+    EXPECT_THAT(m_host.Take(), IsEmpty());
+    PushTo("", Message(MOTION_TOPIC, "true", "urn:camera:17"));
+    Pass();
+    EXPECT_THAT(m_host.Take(), ElementsAre(Call(token, "motion on")));
 }
 
 TEST_F(OnvifEventCtrol, CameraThatIsAskedCannotPush)
@@ -828,6 +873,11 @@ TEST_F(OnvifEventCtrol, ObserversComeAndGoWhileEventsComeIn)
 }
 
 // The check thread, on the real clock.
+
+TEST(OnvifEventCtrolThread, WaitsBetweenTwoPassesAsLongAsHostsKnowIt)
+{
+    EXPECT_EQ(300u, COnvifEventCtrol::PASS_MS);
+}
 
 TEST(OnvifEventCtrolThread, TellsWithinAFewPassesAndStopsAtOnce)
 {

@@ -138,6 +138,14 @@ TEST_F(NotifyObserver, ThreadTellsAndStopsAtOnce)
     observer.Stop();
 }
 
+// Waits of the threads, which are on the real clock.
+TEST(SecondEngineThreads, WaitAsLongAsCamerasKnowThem)
+{
+    EXPECT_EQ(100u, CNotifyObserver::PASS_MS);
+    EXPECT_EQ(200u, CPullSubscription::REOPEN_PAUSE_MS);
+    EXPECT_EQ(10000u, CPullSubscription::RETRY_PAUSE_MS);
+}
+
 class PullSubscription : public EventWorld
 {
 protected:
@@ -160,6 +168,75 @@ TEST_F(PullSubscription, EveryAnswerIsTold)
     const auto pull = std::find_if(requests.begin(), requests.end(),
                                    [](const auto& request) { return request.operation == "PullMessages"; });
     EXPECT_EQ("2", OnvifSoapRequest(pull->soap).Text("MessageLimit"));
+}
+
+// The events of one answer: what each topic tells, and what an item without a topic or a value has of the one before.
+TEST_F(PullSubscription, FourTopicsAndThreeSpellingsAreKnown)
+{
+    const auto item = [](const std::string& topic, const std::string& value)
+    {
+        return "<wsn:NotificationMessage>" + (topic.empty() ? "" : "<wsn:Topic>" + topic + "</wsn:Topic>") +
+               "<wsn:Message><tt:Message><tt:Data>" +
+               (value.empty() ? "" : "<tt:SimpleItem Name=\"State\" Value=\"" + value + "\"/>") +
+               "</tt:Data></tt:Message></wsn:Message></wsn:NotificationMessage>";
+    };
+    m_camera.SetAnswer("PullMessages",
+                       {"<ew:PullMessagesResponse>" + item("tns1:RuleEngine/CellMotionDetector/Motion", "true") +
+                            item("tns1:VideoSource/MotionAlarm", "TRUE") +
+                            item("tns1:VideoAnalytics/MotionDetection", "true") + item("tns1:Other", "true") +
+                            item("tns1:Device/Trigger/Relay", "true") + item("tns1:Device/Trigger/DigitalInput", "1") +
+                            item("tnsx:Vendor/AlarmIn", "True") + item("", "1") +
+                            item("tns1:VideoSource/MotionAlarm", "") + "</ew:PullMessagesResponse>",
+                        "", "", ""});
+    const unsigned int token = Login(m_camera);
+    CPullSubscription subscription(token, &m_host);
+    subscription.Start();
+    EXPECT_TRUE(RepeatUntil([&] { return m_host.Count() >= 6; }));
+    subscription.Stop();
+    std::vector<std::string> calls = m_host.Take();
+    calls.resize(6);
+    EXPECT_THAT(calls,
+                ElementsAre(Call(token, "motion on"), Call(token, "motion on"), Call(token, "alarm-in 1 on"),
+                            Call(token, "alarm-in 1 off"), Call(token, "alarm-in 1 on"), Call(token, "motion on")));
+}
+
+/// An answer of a pull that is so many bytes long with its head.
+std::string PullAnswer(std::size_t bytes)
+{
+    std::string answer =
+        "HTTP/1.1 200 OK\r\n\r\n" +
+        RenderOnvifAnswer({std::string("<ew:PullMessagesResponse><wsn:NotificationMessage><wsn:Topic>") + MOTION_TOPIC +
+                               "</wsn:Topic><wsn:Message><tt:Message><tt:Data><tt:SimpleItem Name=\"S\" "
+                               "Value=\"true\"/></tt:Data></tt:Message></wsn:Message></wsn:NotificationMessage>"
+                               "</ew:PullMessagesResponse>",
+                           "", "", ""},
+                          {});
+    answer.erase(answer.find_last_not_of(" \r\n") + 1);
+    return answer.insert(answer.find("<wsn:NotificationMessage>"), bytes - answer.size(), ' ');
+}
+
+TEST_F(PullSubscription, AnswerThatJustFillsTheBufferIsRead)
+{
+    OnvifManners manners = Delivery(OnvifManners::RAW);
+    manners.raw = PullAnswer(8191);
+    m_camera.SetManners("PullMessages", manners);
+    CPullSubscription subscription(Login(m_camera), &m_host);
+    subscription.Start();
+    EXPECT_TRUE(RepeatUntil([&] { return m_host.Count() >= 1; }));
+    subscription.Stop();
+}
+
+// What does not fit is cut, and a document that is cut has no events.
+TEST_F(PullSubscription, LongerAnswerHasNoEvents)
+{
+    OnvifManners manners = Delivery(OnvifManners::RAW);
+    manners.raw = PullAnswer(8192);
+    m_camera.SetManners("PullMessages", manners);
+    CPullSubscription subscription(Login(m_camera), &m_host);
+    subscription.Start();
+    EXPECT_TRUE(RepeatUntil([&] { return EventOperations(m_camera).size() >= 6; })); // two pulls are over
+    subscription.Stop();
+    EXPECT_THAT(m_host.Take(), IsEmpty());
 }
 
 TEST_F(PullSubscription, LostPullPointIsOpenedAnew)
@@ -194,6 +271,47 @@ TEST_F(PullSubscription, StopEndsTheWaitForAnAnswer)
     EXPECT_TRUE(RepeatUntil([&] { return EventOperations(m_camera).size() == 2; }));
     subscription.Stop();
     EXPECT_THAT(m_host.Take(), IsEmpty());
+}
+
+// One thread may remove a camera while another still adds it.
+TEST_F(PullSubscription, StopBeforeTheStartKeepsItFromStarting)
+{
+    const unsigned int token = Login(m_camera);
+    m_camera.Forget();
+    {
+        CPullSubscription subscription(token, &m_host);
+        EXPECT_EQ(1, subscription.Stop());
+        EXPECT_EQ(1, subscription.Start());
+        EXPECT_EQ(1, subscription.Stop()); // waits for a thread, if there is one
+    }
+    EXPECT_THAT(EventOperations(m_camera), IsEmpty());
+    EXPECT_THAT(m_host.Take(), IsEmpty());
+}
+
+TEST_F(PullSubscription, FactoryTakesAndRemovesOneCameraFromManyThreads)
+{
+    const unsigned int token = Login(m_camera);
+    CPullPointFactory& factory = CPullPointFactory::Instance();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+    {
+        threads.emplace_back(
+            [&]
+            {
+                for (int j = 0; j < 5; ++j)
+                {
+                    factory.AddObserver(token, &m_host);
+                    factory.DelObserver(token);
+                }
+            });
+    }
+    for (std::thread& thread : threads)
+    {
+        thread.join();
+    }
+    m_host.Take();
+    m_camera.Forget();
+    EXPECT_THAT(EventOperations(m_camera), IsEmpty()); // nobody asks any more
 }
 
 TEST_F(PullSubscription, FactoryKeepsOneForEachCamera)

@@ -20,9 +20,16 @@ public:
     std::string called;
 
     bool HasCallback() const { return m_callback != nullptr; }
+    void* User() const { return m_user; }
     bool IsAutomatic() const { return m_isAutomatic; }
     int Interval() const { return m_interval; }
     int Searches() const { return m_searches; }
+    int Counter() const { return m_counter; }
+    void Count()
+    {
+        m_searches.Increment();
+        ++m_counter;
+    }
 
 private:
     void Op1() override { called += '1'; }
@@ -38,7 +45,9 @@ private:
 TEST(DevSearchBase, ManualSearchCallsTheEighthOperation)
 {
     CNotingSearch search;
-    EXPECT_EQ(1, search.Initial(OnResult, nullptr));
+    EXPECT_EQ(1, search.Initial(OnResult, &search));
+    EXPECT_TRUE(search.HasCallback());
+    EXPECT_EQ(&search, search.User());
     search.Search_Manual();
     EXPECT_EQ("8", search.called);
 }
@@ -58,6 +67,17 @@ TEST(DevSearchBase, ManualSearchDoesNothingWhileTheAutomaticOneIsOn)
     EXPECT_FALSE(search.IsAutomatic());
     search.Search_Manual();
     EXPECT_EQ("88", search.called);
+}
+
+TEST(DevSearchBase, AutomaticSearchBeginsToCountAnew)
+{
+    CNotingSearch search;
+    search.Initial(OnResult, nullptr);
+    EXPECT_EQ(0, search.Counter());
+    search.Count();
+    search.Search_StartAuto(30);
+    EXPECT_EQ(0, search.Counter());
+    EXPECT_EQ(0, search.Searches());
 }
 
 TEST(DevSearchBase, QuitEndsAnAutomaticSearchFirst)

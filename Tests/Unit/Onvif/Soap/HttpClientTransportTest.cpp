@@ -130,6 +130,11 @@ TEST(HttpClientTransport, CannotFillWhatIsMissing)
                        "</wsse:UsernameToken></wsse:Security></s:Header></s:Envelope>");
     EXPECT_EQ(0, client.Authentication(doc));
     EXPECT_EQ("user", Field(doc, "wsse:Username"));
+    // Nothing is filled behind the first one that is missing.
+    COnvifXmlParse nameless("<s:Envelope><s:Header><wsse:Security><wsse:UsernameToken><wsse:Password/><wsse:Nonce/>"
+                            "<wsu:Created/></wsse:UsernameToken></wsse:Security></s:Header></s:Envelope>");
+    EXPECT_EQ(0, client.Authentication(nameless));
+    EXPECT_EQ("", Field(nameless, "wsse:Password"));
 }
 
 // Whether there are credentials is settled at the start.

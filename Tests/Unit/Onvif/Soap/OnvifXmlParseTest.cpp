@@ -76,7 +76,9 @@ TEST(OnvifXmlParse, KnowsNoOtherNamespace)
 {
     for (const char* uri : {"http://www.onvif.org/ver10/device/wsdl/", "http://schemas.xmlsoap.org/soap/envelope/", "",
                             "http://www.onvif.org/ver10/schema2", "http://schemas.xmlsoap.org/wsdl/soap", "/ptz/wsdl",
-                            "ver10/schema", "ww.onvif.org/ver10/schema"})
+                            "ver10/schema", "ww.onvif.org/ver10/schema", "http://ww.w3.org/2005/08/addressing",
+                            "http://example.org/ws/2004/08/addressing", "http://example.org/ver10/error",
+                            "http://example.org/wsdl", "http://www.onvif.org/ver10/ptz/wsdl"})
     {
         const COnvifXmlParse document(Bound(uri));
         for (const NamespaceCase& one : NAMESPACES)

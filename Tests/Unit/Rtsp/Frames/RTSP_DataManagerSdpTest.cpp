@@ -248,13 +248,22 @@ TEST_F(Sdp, UnknownEncodeTypesHaveNoSection)
 {
     Video(1, 0, 7);
     Audio(1, 0, 7);
+    testing::internal::CaptureStderr();
     EXPECT_TRUE(Describe(1, 0));
+    const std::string lines = testing::internal::GetCapturedStderr();
+    const std::size_t video = lines.find(" error RTSP_DataManagerSdp.cpp:");
+    EXPECT_NE(std::string::npos, video);
+    EXPECT_NE(std::string::npos, lines.find(" error RTSP_DataManagerSdp.cpp:", video + 1));
     EXPECT_EQ(SESSION_LINES, m_sdp);
 }
 
 TEST_F(Sdp, UnknownStreamHasTheSessionLinesOnly)
 {
+    testing::internal::CaptureStderr();
     EXPECT_FALSE(Describe(1, 0));
+    const std::string lines = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(0u, lines.find("CRTSP_DataManager::GetSDPInfo failed, "));
+    EXPECT_NE(std::string::npos, lines.find(", size:0, id:1, streamidx:0. type:0 \n"));
     EXPECT_EQ(SESSION_LINES, m_sdp);
 }
 

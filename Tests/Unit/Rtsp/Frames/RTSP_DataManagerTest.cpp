@@ -175,6 +175,34 @@ TEST_F(RTSP_DataManager, DeletedListGetsNothingMore)
     EXPECT_EQ(0, Add(1, 0, VIDEO, KEY, KEY_FRAME));
 }
 
+TEST_F(RTSP_DataManager, ListsAreLogged)
+{
+    testing::internal::CaptureStderr();
+    CSharedDataList* list = List(7, 1, VIDEO);
+    EXPECT_NE(std::string::npos,
+              testing::internal::GetCapturedStderr().find(
+                  "  ----CRTSP_DataManager::CreateSharedDataList  begin chnidx:7, streamidx:1   \n"));
+    m_manager.DelSharedDataList(list);
+    testing::internal::CaptureStderr();
+    m_manager.DelSharedDataList(list);
+    EXPECT_NE(std::string::npos, testing::internal::GetCapturedStderr().find(" error RTSP_DataManager.cpp:"));
+}
+
+TEST_F(RTSP_DataManager, AMissingHostIsLogged)
+{
+    FakeStreamCtrl streams;
+    Device device;
+    testing::internal::CaptureStderr();
+    m_manager.Init(&streams, &device);
+    EXPECT_EQ("", testing::internal::GetCapturedStderr());
+    for (const bool withStreams : {false, true})
+    {
+        testing::internal::CaptureStderr();
+        m_manager.Init(withStreams ? &streams : nullptr, withStreams ? nullptr : &device);
+        EXPECT_NE(std::string::npos, testing::internal::GetCapturedStderr().find(" ASSERT\n"));
+    }
+}
+
 TEST_F(RTSP_DataManager, ClearForgetsStreamsAndKeepsUrls)
 {
     m_manager.SetLiveRtspUrl(1, 0, "/live/ch1");
@@ -401,7 +429,9 @@ TEST_F(SnapShot, WithoutAPictureItFails)
 {
     char* data = nullptr;
     unsigned int len = 0;
+    testing::internal::CaptureStderr();
     EXPECT_FALSE(m_manager.GetSnapShot(3, data, len));
+    EXPECT_EQ(" CRTSP_DataManager::GetSnapShot timeout \n ", testing::internal::GetCapturedStderr());
     EXPECT_EQ(nullptr, data);
 }
 

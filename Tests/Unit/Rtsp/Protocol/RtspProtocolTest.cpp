@@ -350,3 +350,29 @@ TEST(RtspProtocol, TransportHeaderIsRefused)
     EXPECT_FALSE(Message("SETUP a RTSP/1.0\r\nTransport: unicast\r\n\r\n")->ParseTransportHeader());
     EXPECT_FALSE(Message("SETUP a RTSP/1.0\r\nTransport: RTP/AVP;client_port=5000\r\n\r\n")->ParseTransportHeader());
 }
+
+TEST(RtspProtocol, OddTransportParametersAreLogged)
+{
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(
+        Message("SETUP a RTSP/1.0\r\nTransport: RTP/AVP;mode=play;client_port=x\r\n\r\n")->ParseTransportHeader());
+    const std::string lines = testing::internal::GetCapturedStderr();
+    const std::size_t unknown = lines.find(" not parse transport para:mode=play\n");
+    EXPECT_NE(std::string::npos, unknown) << lines;
+    EXPECT_NE(std::string::npos, lines.find(" Transport param error!\n", unknown)) << lines;
+}
+
+TEST(RtspProtocol, TransportPortsOfTheClassAreCutTo16Bits)
+{
+    Message message("SETUP a RTSP/1.0\r\nTRANSPORT: RTP/AVP;CLIENT_PORT=70000-5001\r\n\r\n");
+    ASSERT_TRUE(message->ParseTransportHeader());
+    EXPECT_EQ(4464, message->GetClientRtpPort());
+    EXPECT_EQ(5001, message->GetClientRtcpPort());
+}
+
+TEST(RtspProtocol, AUrlEndsAtABlankAlone)
+{
+    Message message("PLAY a\tb RTSP/1.0\r\nCSeq: 1\r\n\r\n");
+    ASSERT_TRUE(message->Parse());
+    EXPECT_EQ("a\tb", message.Url());
+}

@@ -143,6 +143,20 @@ const ResultCase RESULT_CASES[] = {
 INSTANTIATE_TEST_SUITE_P(Headers, RtspTransportResult, testing::ValuesIn(RESULT_CASES),
                          [](const testing::TestParamInfo<ResultCase>& row) { return std::string(row.param.name); });
 
+TEST(RtspTransport, WhatIsOddIsToldOnTheConsoleAndInTheLog)
+{
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(-1, Transport("RTP/AVP;mode=play;client_port=x-1").result);
+    const std::string lines = testing::internal::GetCapturedStderr();
+    const std::size_t unknown = lines.find("Transport  error para:mode=play  ");
+    EXPECT_NE(std::string::npos, unknown) << lines;
+    EXPECT_NE(std::string::npos, lines.find("\nTransport param error ", unknown)) << lines;
+
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(0, Transport("RTP/AVP;port=6000-6001").result);
+    EXPECT_NE(std::string::npos, testing::internal::GetCapturedStderr().find(" rtsp 54.\n")); // '6'
+}
+
 TEST(RtspTransport, PortsAreCutTo16Bits)
 {
     const Transport header("RTP/AVP;client_port=70000-131073");

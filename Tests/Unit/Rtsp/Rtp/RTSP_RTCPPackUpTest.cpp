@@ -136,7 +136,9 @@ TEST(RTSP_RTCPPackUp, TakingEmptiesAndASmallBufferKeepsWhatIsBuilt)
     packUp.MakeSenderReport(0, 0, 0, 0);
 
     size = 27;
+    testing::internal::CaptureStderr();
     EXPECT_EQ(-1, packUp.GetRTCPData(buffer, &size));
+    EXPECT_EQ("################### 27 28\n", testing::internal::GetCapturedStderr());
     size = 0;
     EXPECT_EQ(-1, packUp.GetRTCPData(buffer, &size));
     EXPECT_EQ(-1, packUp.GetRTCPData(buffer, nullptr));

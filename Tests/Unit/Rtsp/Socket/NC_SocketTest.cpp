@@ -1,19 +1,32 @@
 #include "NC_Socket.h"
 
+#include "NetworkNamespace.h"
 #include "Peer.h"
 #include "ShareSDK.h"
 
 #include <arpa/inet.h>
 #include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <vector>
 
 namespace
 {
+
+int OpenDescriptors()
+{
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return static_cast<int>(std::distance(begin(descriptors), end(descriptors)));
+}
 
 struct AddressCase
 {
@@ -141,6 +154,150 @@ TEST_F(NC_Listener, WithoutDescriptorsAConnectionIsTakenAndClosed)
     for (const int descriptor : taken)
         close(descriptor);
     EXPECT_TRUE(peer.WaitClosed());
+}
+
+TEST_F(NC_Listener, FiveConnectionsMayWait)
+{
+    tcp_info info{};
+    socklen_t length = sizeof(info);
+    ASSERT_EQ(0, getsockopt(sock, IPPROTO_TCP, TCP_INFO, &info, &length));
+    EXPECT_EQ(5u, info.tcpi_sacked); // of a listener: the backlog
+}
+
+// The error of the socket itself is told without an attempt to accept, which would be logged.
+TEST(NC_Socket, AcceptOnASocketWithAPendingErrorFails)
+{
+    int sock = NC_CreateSocket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in closed{};
+    closed.sin_family = AF_INET;
+    closed.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    closed.sin_port = htons(FreePort());
+    EXPECT_EQ(-1, connect(sock, reinterpret_cast<const sockaddr*>(&closed), sizeof(closed)));
+    pollfd refused{sock, POLLOUT, 0};
+    EXPECT_EQ(1, poll(&refused, 1, 5000));
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(-1, NC_Accept(sock, nullptr, nullptr));
+    EXPECT_EQ("", ::testing::internal::GetCapturedStderr());
+    EXPECT_EQ(-1, NC_Accept(sock, nullptr, nullptr)); // the error is gone, and so the accept fails
+    NC_CloseSocket(sock);
+}
+
+TEST(NC_Socket, SocketsReuseTheirAddressAndDoNotWait)
+{
+    for (int sock : {NC_CreateSocket(AF_INET, SOCK_STREAM, 0), NC_UDP_CreateSocket()})
+    {
+        int reuses = 0;
+        socklen_t length = sizeof(reuses);
+        EXPECT_EQ(0, getsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &reuses, &length));
+        EXPECT_EQ(1, reuses);
+        EXPECT_NE(0, fcntl(sock, F_GETFL) & O_NONBLOCK);
+        NC_CloseSocket(sock);
+    }
+    EXPECT_EQ(-1, NC_CreateSocket(-1, SOCK_STREAM, 0));
+}
+
+TEST(NC_Socket, AListenerMayBelongToOneInterface)
+{
+    if (!CNetworkNamespace::Enter() || !CNetworkNamespace::AddInterface("eth7", "10.1.7.5/24"))
+        GTEST_SKIP() << "no network of its own";
+    int sock = NC_CreateTCPSockAndListen(0, "eth7");
+    char ip[16];
+    EXPECT_EQ(0, NC_GetSockName(sock, ip, nullptr));
+    EXPECT_STREQ("10.1.7.5", ip);
+    NC_CloseSocket(sock);
+}
+
+TEST(NC_Socket, OnlyAFullSocketAndASignalAreWaitedFor)
+{
+    for (const int error : {EAGAIN, EINTR})
+    {
+        errno = error;
+        EXPECT_TRUE(NC_EWOULDBLOCK()) << error;
+    }
+    for (const int error : {0, EPIPE, ECONNRESET, ENOBUFS, EBADF})
+    {
+        errno = error;
+        EXPECT_FALSE(NC_EWOULDBLOCK()) << error;
+    }
+}
+
+TEST(NC_Socket, TheSignalOfABrokenConnectionIsIgnored)
+{
+    NC_Init();
+    struct sigaction action = {};
+    sigaction(SIGPIPE, nullptr, &action);
+    EXPECT_EQ(SIG_IGN, action.sa_handler);
+}
+
+TEST(NC_Socket, SendingToAClosedPeerRaisesNoSignal)
+{
+    const auto before = std::signal(SIGPIPE, [](int) { FAIL(); });
+    int pair[2];
+    ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM, 0, pair));
+    NC_CloseSocket(pair[1]);
+    iovec byte{const_cast<char*>("x"), 1};
+    EXPECT_EQ(-1, NC_Send(pair[0], "x", 1, 0));
+    EXPECT_EQ(EPIPE, errno);
+    EXPECT_EQ(-1, NC_SendBuffers(pair[0], &byte, 1));
+    NC_CloseSocket(pair[0]);
+    std::signal(SIGPIPE, before);
+}
+
+TEST(NC_Socket, WithoutAPeerItsNameIsEmpty)
+{
+    int sock = NC_CreateSocket(AF_INET, SOCK_STREAM, 0);
+    int ip = 7;
+    unsigned short port = 7;
+    char text[16] = "7";
+    EXPECT_EQ(-1, NC_GetPeerName(sock, &ip, &port));
+    EXPECT_EQ(0, ip);
+    EXPECT_EQ(0, port);
+    EXPECT_EQ(-1, NC_GetPeerName(sock, text, nullptr));
+    EXPECT_STREQ("0.0.0.0", text);
+    NC_CloseSocket(sock);
+}
+
+TEST(NC_Udp, SendingWithoutASocketFails)
+{
+    EXPECT_EQ(-1, NC_UDP_Sendto(-1, "x", 1, htonl(INADDR_LOOPBACK), 9));
+    const iovec datagrams[] = {{const_cast<char*>("x"), 1}, {const_cast<char*>("y"), 1}};
+    EXPECT_EQ(NC_TRAIN_ERROR, NC_UDP_SendTrain(-1, datagrams, 2, 1, htonl(INADDR_LOOPBACK), 9));
+}
+
+TEST(NC_Udp, ADatagramIsWaitedFor)
+{
+    int sock = NC_UDP_CreateSocket();
+    UdpPeer peer;
+    EXPECT_EQ(0, NC_UDP_Sendto(sock, "hello", 5, htonl(INADDR_LOOPBACK), peer.Port()));
+    unsigned short port = 0;
+    NC_GetSockName(sock, static_cast<int*>(nullptr), &port);
+    char buffer[16];
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(-1, NC_UDP_Recvfrom(sock, buffer, sizeof(buffer), nullptr, nullptr, 30));
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(25));
+    peer.SendTo(port, "answer");
+    EXPECT_EQ(6, NC_UDP_Recvfrom(sock, buffer, sizeof(buffer), nullptr, nullptr, 5000));
+    NC_CloseSocket(sock);
+}
+
+// Another thread may take the descriptor in the moment in which it is given up; here the limit is below it.
+TEST_F(NC_Listener, TheReserveComesBackWhenDescriptorsAreThereAgain)
+{
+    Peer refused(port);
+    Peer served(port);
+    SHARESDK_AbnormalOutput("the log is open", __FILE__, __LINE__); // it cannot be opened later
+    const int before = OpenDescriptors();
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    const rlimit none = {3, limit.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    EXPECT_EQ(-1, NC_Accept(sock, nullptr, nullptr));
+    setrlimit(RLIMIT_NOFILE, &limit);
+    EXPECT_EQ(before - 1, OpenDescriptors());
+    int accepted = NC_Accept(sock, nullptr, nullptr);
+    EXPECT_GT(accepted, 0);
+    NC_CloseSocket(accepted);
+    EXPECT_EQ(before, OpenDescriptors());
 }
 
 TEST(NC_Udp, SendsAndReceives)

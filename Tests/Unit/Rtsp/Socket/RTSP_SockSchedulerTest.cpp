@@ -5,10 +5,15 @@
 #include "PFHelper.h"
 
 #include <chrono>
+#include <csignal>
 #include <functional>
+#include <future>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <string>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <thread>
 #include <vector>
 
@@ -63,12 +68,20 @@ public:
         return 0;
     }
     int HandleWait(unsigned int now) override { return Note("wait " + std::to_string(now), 0); }
+    void Fail() override
+    {
+        onCall = nullptr;
+        Note("fail", 0);
+        if (endsOnFail)
+            CRTSP_SockHandler::Fail();
+    }
     void CloseSocket() override { NC_CloseSocket(m_sock); }
 
     std::function<void()> onCall;
     bool hasData = false;
     bool readAway = true;
     bool destroyOnTimeOut = false;
+    bool endsOnFail = true;
     int sendResult = HANDLER_PROGRESS;
     int recvResult = 0;
     std::string name;
@@ -271,6 +284,20 @@ TEST_F(RTSP_SockScheduler, ActivityPutsTheTimeOutOff)
     EXPECT_EQ(Log{"recv"}, log);
 }
 
+TEST_F(RTSP_SockScheduler, AnAcceptPutsTheTimeOutOff)
+{
+    Handler* listener = Make();
+    scheduler.AddSockHandler(SOCK_HANDLER_ACCEPT, listener->Sock(), listener, 1000);
+    clock.Advance(900);
+    listener->Write();
+    RunOnce();
+    clock.Advance(999);
+    RunOnce();
+    clock.Advance(1000);
+    RunOnce();
+    EXPECT_EQ((Log{"accept", "accept", "timeout 1", "accept"}), log);
+}
+
 // A tick count goes round after 49.7 days.
 TEST_F(RTSP_SockScheduler, TimeOutsHoldAcrossTheWrapOfTheClock)
 {
@@ -314,10 +341,71 @@ TEST_F(RTSP_SockScheduler, AnInterestThatIsDeletedIsServedNoMore)
     scheduler.AddSockHandler(SOCK_HANDLER_SEND, handler->Sock(), handler, -1);
     EXPECT_EQ(0, scheduler.DelSockHandler(SOCK_HANDLER_RECV, handler->Sock()));
     handler->Write();
+    ::testing::internal::CaptureStderr();
     RunOnce();
+    EXPECT_EQ("", ::testing::internal::GetCapturedStderr()); // its time-out went as well
     EXPECT_TRUE(log.empty());
     EXPECT_EQ(0, scheduler.DelSockHandler(SOCK_HANDLER_SEND, handler->Sock()));
     EXPECT_EQ(-1, scheduler.DelSockHandler(handler->Sock()));
+}
+
+TEST_F(RTSP_SockScheduler, ADeletedInterestInSendingLeavesTheOtherAlone)
+{
+    Handler* handler = Make();
+    scheduler.AddSockHandler(SOCK_HANDLER_RECV, handler->Sock(), handler, 1000);
+    scheduler.AddSockHandler(SOCK_HANDLER_SEND, handler->Sock(), handler, 0);
+    handler->hasData = true;
+    EXPECT_EQ(0, scheduler.DelSockHandler(SOCK_HANDLER_SEND, handler->Sock()));
+    ::testing::internal::CaptureStderr();
+    RunOnce();
+    EXPECT_EQ("", ::testing::internal::GetCapturedStderr());
+    EXPECT_TRUE(log.empty());
+    clock.Advance(1000);
+    RunOnce();
+    EXPECT_EQ(Log{"timeout 2"}, log);
+}
+
+/// A handler is replaced, in the pass in which its socket is ready, by one on a socket of the same number.
+class RTSP_SockSchedulerReplaced : public RTSP_SockScheduler
+{
+protected:
+    void Replace(bool hadData)
+    {
+        Handler* first = Make();
+        Handler* old = Make();
+        scheduler.AddSockHandler(SOCK_HANDLER_RECV, first->Sock(), first, -1);
+        for (const int type : {SOCK_HANDLER_RECV, SOCK_HANDLER_SEND})
+            scheduler.AddSockHandler(type, old->Sock(), old, -1);
+        old->hasData = hadData;
+        first->Write();
+        old->Write();
+        first->recvResult = HANDLER_GONE;
+        first->onCall = [this, old]
+        {
+            const int sock = old->Sock();
+            old->Destroy();
+            handlers.pop_back();
+            Handler* fresh = Make();
+            ASSERT_EQ(sock, fresh->Sock());
+            fresh->name = "fresh ";
+            for (const int type : {SOCK_HANDLER_RECV, SOCK_HANDLER_SEND})
+                scheduler.AddSockHandler(type, sock, fresh, -1);
+        };
+        RunOnce();
+    }
+};
+
+TEST_F(RTSP_SockSchedulerReplaced, ASocketThatOnlyHadSomethingToReadLeavesNothingToItsSuccessor)
+{
+    Replace(false);
+    EXPECT_EQ(Log{"recv"}, log);
+}
+
+// Only one readiness goes with a socket, that to write first.
+TEST_F(RTSP_SockSchedulerReplaced, ASocketThatWasReadyForBothHasItsSuccessorReadOnce)
+{
+    Replace(true);
+    EXPECT_EQ((Log{"recv", "fresh recv"}), log);
 }
 
 TEST_F(RTSP_SockScheduler, ASecondRegistrationKeepsTheFirstHandler)
@@ -388,7 +476,26 @@ TEST_F(RTSP_SockScheduler, AHandlerThatRunsOutOfMemoryEndsAlone)
     };
     handler->Write();
     RunOnce();
+    EXPECT_EQ((Log{"recv", "fail"}), log);
     EXPECT_EQ(-1, scheduler.DelSockHandler(sock));
+}
+
+// A link belongs to a session, which would go on using it.
+TEST_F(RTSP_SockScheduler, AHandlerThatRunsOutOfMemoryIsLeftToItsOwner)
+{
+    Handler* handler = Make();
+    scheduler.AddSockHandler(SOCK_HANDLER_RECV, handler->Sock(), handler, -1);
+    handler->endsOnFail = false;
+    handler->onCall = []
+    {
+        throw std::bad_alloc();
+    };
+    handler->Write();
+    RunOnce();
+    EXPECT_EQ((Log{"recv", "fail"}), log);
+    handler->Write();
+    RunOnce();
+    EXPECT_EQ((Log{"recv", "fail", "recv"}), log);
 }
 
 TEST_F(RTSP_SockScheduler, AWaiterIsCalledEveryRoundUntilItIsTakenOut)
@@ -478,6 +585,40 @@ TEST_F(RTSP_SockScheduler, WithoutAnyHandlerARoundWaits)
     EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(50));
 }
 
+TEST_F(RTSP_SockScheduler, AWaitIsOfSixtyMilliseconds)
+{
+    EXPECT_EQ(60, CRTSP_SockScheduler::MAX_WAIT_MS);
+}
+
+TEST_F(RTSP_SockScheduler, AWaitThatFailsIsLoggedAndLastsAsLong)
+{
+    scheduler.RunRound();
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit none{0, before.rlim_max};
+    ::testing::internal::CaptureStderr();
+    const auto begin = std::chrono::steady_clock::now();
+    setrlimit(RLIMIT_NOFILE, &none); // so that no descriptor may be waited for
+    scheduler.RunRound();
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(50));
+    EXPECT_NE(std::string::npos, ::testing::internal::GetCapturedStderr().find(" select err."));
+}
+
+TEST_F(RTSP_SockScheduler, AWaitThatASignalEndsIsLoggedAndNotRepeated)
+{
+    scheduler.RunRound();
+    std::signal(SIGALRM, [](int) {});
+    const itimerval everyMillisecond{{0, 1000}, {0, 1000}};
+    const itimerval never{};
+    ::testing::internal::CaptureStderr();
+    setitimer(ITIMER_REAL, &everyMillisecond, nullptr);
+    scheduler.RunRound();
+    setitimer(ITIMER_REAL, &never, nullptr);
+    std::signal(SIGALRM, SIG_DFL);
+    EXPECT_NE(std::string::npos, ::testing::internal::GetCapturedStderr().find(" select err."));
+}
+
 TEST_F(RTSP_SockScheduler, TimeOutsAreToldOnTheConsole)
 {
     Handler* handler = Make();
@@ -504,6 +645,27 @@ TEST(RTSP_SockSchedulerThread, AWakeUpEndsTheWaitOfARound)
         scheduler.RunRound();
     }
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3)); // 100 waits are 6 s
+}
+
+TEST(RTSP_SockSchedulerThread, HasItsName)
+{
+    CRTSP_SockScheduler scheduler;
+    std::vector<std::string> log;
+    auto* handler = new Handler(scheduler, log);
+    std::promise<std::string> name;
+    handler->onCall = [handler, &name]
+    {
+        char text[16] = "";
+        pthread_getname_np(pthread_self(), text, sizeof(text));
+        name.set_value(text);
+        handler->onCall = nullptr;
+    };
+    scheduler.AddSockHandler(SOCK_HANDLER_RECV, handler->Sock(), handler, -1);
+    scheduler.Start_RTSP_SockScheduler();
+    handler->Write();
+    EXPECT_EQ("rtsp \u4efb\u52a1\u8c03\xe5", name.get_future().get()); // the kernel keeps 15 bytes
+    scheduler.Stop_RTSP_SockScheduler();
+    handler->Destroy();
 }
 
 TEST(RTSP_SockSchedulerThread, StartsAndStopsAgainAndAgain)
