@@ -119,8 +119,8 @@ int NET_SERVER_SetSensorStatus(unsigned int id, bool active);
 /// @return 0
 int NET_SERVER_SetVideoLossStatus(unsigned int channel, bool active);
 
-/// Ends RTSP: the scheduler thread first, then every session. Does nothing while RTSP is stopped. Not to be called from
-/// CStreamCtrl or CDevInterface.
+/// Ends RTSP: the scheduler thread first, then every session. Clients that wait for a snapshot are let go. Does nothing
+/// while RTSP is stopped. Not to be called from CStreamCtrl or CDevInterface.
 /// @return 0
 int NET_SERVER_RTSPStop();
 

@@ -34,7 +34,7 @@ class GettingStarted(unittest.TestCase):
     def commands(self):
         """The page's commands: those of the camera, and those of the reader's own host."""
         found = list(examples(PAGE))
-        first = next(number for number, (command, _) in enumerate(found) if command.startswith("cmake --install"))
+        first = next(number for number, (command, _) in enumerate(found) if command.startswith("cmake --build"))
         self.assertGreater(first, 0)
         return found[:first], found[first:]
 

@@ -224,6 +224,22 @@ class Claims(unittest.TestCase):
             self.assertGreater(len(keys), 20)
             self.assertEqual(sorted(keys), sorted(re.findall(r"^\| `(\w+)` \|", rows, re.M)), way)
 
+    def test_name_make_targets_that_exist(self):
+        makefile = (ROOT / "Makefile").read_text()
+        targets = set(re.search(r"^\.PHONY: (.*)$", makefile, re.M)[1].split())
+        pages = "".join(page.read_text() for page in [ROOT / "README.md", *DOCS.rglob("*.md")])
+        named = set(re.findall(r"(?:`|^    |&& )make ([a-z][a-z-]*)", pages, re.M))
+        self.assertGreater(len(named), 10)
+        self.assertEqual(set(), named - targets)
+
+    def test_begin_with_whom_they_are_for(self):
+        for page in DOCS.rglob("*.md"):
+            if page.parent in (PICTURES, DOCS / "performance") or page == DOCS / "README.md":
+                continue
+            opening = " ".join(page.read_text().split("\n## ")[0].split("\n```")[0].split())
+            with self.subTest(str(page.relative_to(DOCS))):
+                self.assertRegex(opening, r"^# .*? For .*[.:] [Aa]fter (this|these|ten) ")
+
     def test_tell_every_command_of_the_xml_api(self):
         code = (ROOT / "QlxApi" / "QlxApiCommands.cpp").read_text()
         index = (DOCS / "api" / "README.md").read_text()
