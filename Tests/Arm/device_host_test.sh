@@ -1,5 +1,5 @@
 #!/bin/sh
-# Installs a cross-built tree, cross-builds a host from the installed files alone, and runs that.
+# Installs a cross-built tree, cross-builds a host from the installed files alone, static and shared, and runs that.
 # usage: device_host_test.sh BUILD_DIR TOOLCHAIN_FILE CONSUMER_DIR WORK_DIR EMULATOR...
 set -eu
 build=$1
@@ -11,6 +11,9 @@ rm -rf "$work"
 cmake --install "$build" --prefix "$work/root" > /dev/null
 
 package=$(dirname "$(find "$work/root" -name NetServerConfig.cmake)")
-cmake -S "$consumer" -B "$work/host" -DCMAKE_TOOLCHAIN_FILE="$toolchain" -DNetServer_DIR="$package" > /dev/null
-cmake --build "$work/host" > /dev/null
-"$@" "$work/host/consumer"
+for kind in static shared; do
+  cmake -S "$consumer" -B "$work/$kind" -DCMAKE_TOOLCHAIN_FILE="$toolchain" -DNetServer_DIR="$package" \
+    -DKIND=$kind > /dev/null
+  cmake --build "$work/$kind" > /dev/null
+  "$@" "$work/$kind/consumer"
+done

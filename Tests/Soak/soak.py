@@ -36,6 +36,8 @@ LINE_SECONDS = 5             # between two lines that say what is going on
 LEAVE_SECONDS = 60           # for the clients to take their leave, with requests under way
 SETTLE_SECONDS = 60          # then for descriptors and threads to be what they were
 EVENT_SECONDS = 15           # from a simulated camera's motion to the recorder's line; it pulls every 300 ms
+WATCH_SECONDS = 60          # from the start of the recorder until it has subscribed to a camera
+WATCH_PAUSE_SECONDS = 3     # between the changes that show it
 SAMPLE_SECONDS = 60          # for ffmpeg to decode so many pictures, two seconds of a stream
 SAMPLE_PICTURES = 20
 SAMPLE_PAUSE_SECONDS = 5
@@ -84,7 +86,7 @@ RECORDER_LINES = [
 
 
 class Dead(Exception):
-    """A program under test has ended."""
+    """A program under test has ended, or does not begin."""
 
 
 def difference(now, then):
@@ -232,6 +234,20 @@ class Soak:
             self.recorder_network.command(os.path.join(self.binaries, "Apps/Nvr/netserver-nvr"), "watch", "--cameras",
                                           path),
             self.on_event, self.on_recorder_log)
+        for simulator in self.simulators:
+            self.await_watched(simulator)
+
+    def await_watched(self, simulator):
+        """A state that a camera tells before the recorder has subscribed is told to nobody, so it is changed until it
+        is."""
+        end = time.monotonic() + WATCH_SECONDS
+        while time.monotonic() < end:
+            for state in ("on", "off"):
+                if self.is_told(simulator, state, WATCH_PAUSE_SECONDS):
+                    if state == "on":
+                        self.is_told(simulator, "off", EVENT_SECONDS)
+                    return
+        raise Dead("the recorder did not watch %s in %d s" % (simulator.name, WATCH_SECONDS))
 
     def on_event(self, line):
         words = line.split()
@@ -306,14 +322,17 @@ class Soak:
 
     def one_event(self, simulator, state):
         began = time.monotonic()
+        if self.is_told(simulator, state, EVENT_SECONDS):
+            self.count("events")
+            return
+        self.judge.error("recorder.event", "%s: motion %s was not told in %d s" % (simulator.name, state, EVENT_SECONDS),
+                         began)
+
+    def is_told(self, simulator, state, seconds):
         with self.seen_change:
             self.seen.pop(simulator.name, None)
             simulator.say("motion " + state)
-            if self.seen_change.wait_for(lambda: self.seen.get(simulator.name) == state, EVENT_SECONDS):
-                self.count("events")
-                return
-        self.judge.error("recorder.event", "%s: motion %s was not told in %d s" % (simulator.name, state, EVENT_SECONDS),
-                         began)
+            return self.seen_change.wait_for(lambda: self.seen.get(simulator.name) == state, seconds)
 
     def sample(self):
         """An independent client now and then, which decodes what it gets."""

@@ -105,7 +105,7 @@ int main(int argc, char** argv)
     const auto start = std::chrono::steady_clock::now();
     for (std::uint64_t number = 0; isEnded == 0; ++number)
     {
-        Picture& picture = pictures[number % pictures.size()];
+        Picture& picture = pictures[static_cast<std::size_t>(number % pictures.size())];
         NETNS::RTSP_FRAME frame = {NETNS::RTSP_FRAME_VIDEO, NETNS::RTSP_ENCODE_H264, 0, {}, 0, 90000, {}, 0};
         frame.keyFrame = picture.isKey;
         frame.presentationUs = number * 1000000 / static_cast<unsigned int>(rate);

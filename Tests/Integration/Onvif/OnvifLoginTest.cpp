@@ -237,6 +237,22 @@ TEST_F(OnvifLogin, SucceedsWithoutRanges)
     EXPECT_EQ(0u, m_error);
 }
 
+// A range that did not come is not one of nothing.
+TEST_F(OnvifLogin, MovesACameraThatRefusesItsRangesByTheUsualOnes)
+{
+    m_simulator = std::make_unique<OnvifDeviceSimulator>(); // with profiles that it moves by
+    OnvifDeviceSimulator& simulator = *m_simulator;
+    simulator.Refuse("GetConfigurationOptions", "ter:NoConfig", "No such configuration");
+    simulator.Refuse("GetMoveOptions", "ter:NoSource", "No such source");
+    const unsigned int token = Login();
+    Set(token, "<continuousMove><ptz><velocity><x>50</x><y>-100</y><zoom>30</zoom></velocity></ptz></continuousMove>"
+               "<continuousFocus><speed>-70</speed></continuousFocus>");
+    EXPECT_EQ("0.50000000", simulator.Value("ptz.pan"));
+    EXPECT_EQ("-1.00000000", simulator.Value("ptz.tilt"));
+    EXPECT_EQ("0.30000000", simulator.Value("ptz.zoom"));
+    EXPECT_EQ("-0.70000000", simulator.Value("focus.speed"));
+}
+
 TEST_F(OnvifLogin, UnderstandsEachDialect)
 {
     for (const auto& [name, dialect] : OnvifDialects())

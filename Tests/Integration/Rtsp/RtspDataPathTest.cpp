@@ -2,10 +2,12 @@
 
 #include "Base64Coder.h"
 #include "ByteOrder.h"
+#include "RTSP_ClientSession.h"
 #include "RtspWorld.h"
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace
 {
@@ -357,9 +359,10 @@ TEST_F(RtspDataPath, ALargeFrameComesInPacketsOf1472Bytes)
     EXPECT_EQ(99999u, payload);
 }
 
-// Answers written while a packet is out in part go behind it.
+// Answers written while a packet is out in part go behind it, and in front of the packets that follow.
 TEST_F(RtspDataPath, AnAnswerGoesBehindThePacketThatIsOutInPart)
 {
+    ReceiveBuffer(65536, peer.Socket());
     Play(peer);
     for (int i = 0; i < 12; ++i)
         world.PushVideo(1, 0, KeyFrame(200000), true, 2000000 + static_cast<std::uint64_t>(i) * 40000);
@@ -367,21 +370,51 @@ TEST_F(RtspDataPath, AnAnswerGoesBehindThePacketThatIsOutInPart)
     peer.Send("SET_PARAMETER " + world.Url("/live/one") + " RTSP/1.0\r\nCSeq: 93\r\n\r\n");
     world.Rounds(5);
 
-    std::string seen;
-    for (;;)
+    std::size_t mediaBytes = 0;
+    std::string first = peer.Read(1);
+    for (; first == "$"; first = peer.Read(1))
     {
-        const std::string first = peer.Read(1);
-        ASSERT_FALSE(first.empty());
-        if (first != "$")
-        {
-            seen = first + peer.ReadUntil("\r\n\r\n");
-            break;
-        }
         const std::string head = peer.Read(3);
         ASSERT_EQ(3u, head.size());
-        peer.Read(GetBE16(reinterpret_cast<const unsigned char*>(head.data()) + 1));
+        mediaBytes += peer.Read(GetBE16(reinterpret_cast<const unsigned char*>(head.data()) + 1)).size();
     }
-    EXPECT_TRUE(IsAnswerTo(seen, 93));
+    EXPECT_TRUE(IsAnswerTo(first + peer.ReadUntil("\r\n\r\n"), 93));
+    EXPECT_LT(mediaBytes, 12 * 200000u);
+    EXPECT_EQ("$", peer.Read(1)); // the media goes on behind it
+}
+
+// More answers than the connection takes at once wait for the client, all of them and in order.
+TEST_F(RtspDataPath, AClientThatReadsItsAnswersLateGetsThemAll)
+{
+    int pair[2];
+    ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, pair));
+    const int least = 1; // the kernel makes the buffer as small as it gets
+    setsockopt(pair[0], SOL_SOCKET, SO_SNDBUF, &least, sizeof(least));
+    CRTSP_ClientSession* session =
+        CRTSP_ClientSession::Create_RTSP_ClientSession(world.scheduler, *world.server, pair[0], "");
+    for (int cseq = 1; cseq <= 100; ++cseq)
+    {
+        const std::string request = Options(cseq);
+        ASSERT_EQ(static_cast<ssize_t>(request.size()), send(pair[1], request.data(), request.size(), 0));
+        world.Rounds(2);
+    }
+    EXPECT_TRUE(session->HasDataToSend());
+    std::string answers;
+    char block[4096];
+    for (ssize_t count = 1; count > 0; world.Rounds(2))
+    {
+        count = recv(pair[1], block, sizeof(block), 0);
+        answers.append(block, count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+    std::size_t at = 0;
+    for (int cseq = 1; cseq <= 100; ++cseq)
+    {
+        at = answers.find("\r\nCSeq: " + std::to_string(cseq) + "\r\n", at);
+        ASSERT_NE(std::string::npos, at) << cseq;
+    }
+    EXPECT_FALSE(session->HasDataToSend());
+    session->Destroy();
+    close(pair[1]);
 }
 
 TEST_F(RtspDataPath, AStalledClientIsEndedAfter25Seconds)

@@ -31,10 +31,14 @@ public:
     }
     ~Scripted() override = default;
 
-    int HandleTimeOut(int /*iTypeMask*/) override { return 0; }
+    int HandleTimeOut(int iTypeMask) override
+    {
+        timeOuts.push_back(iTypeMask);
+        return 0;
+    }
     void CloseSocket() override { NC_CloseSocket(this->m_sock); }
     void CRTSP_Erase(CRTSP_ClientSession* /*session*/) override {}
-    int RecvData(char* /*buffer*/, int /*length*/) override { return 0; }
+    int RecvData(char* /*buffer*/, int /*length*/) override { return received; }
     int SendData(const char* data, int length) override
     {
         int count = length;
@@ -50,6 +54,8 @@ public:
 
     std::deque<int> script;
     std::vector<std::string> sent;
+    std::vector<int> timeOuts;
+    int received = 0;
 };
 
 const unsigned char* Bytes(const std::string& text)
@@ -208,6 +214,71 @@ TEST_F(RtspLink, AReportThatFindsNoRoomForASecondFails)
     EXPECT_EQ(-1, full->RTSP_RTCPLink_Send_SR_SDES(1, 1000000, 1, 1));
     EXPECT_EQ(100, full->tries); // each took 10 ms
     full->Destroy();
+}
+
+TEST_F(RtspLink, PacketsThatFindNoRoomFor25SecondsTimeOut)
+{
+    FakeClock clock;
+    world.Rounds(2);
+    for (int i = 0; i < 20; ++i)
+    {
+        Push(2000000 + static_cast<std::uint64_t>(i) * 40000);
+        rtp->script.push_back(SEND_WOULD_BLOCK);
+    }
+    world.Round();
+    clock.Advance(24999);
+    world.Round();
+    EXPECT_TRUE(rtp->timeOuts.empty());
+    clock.Advance(1);
+    world.Round();
+    EXPECT_EQ(std::vector<int>{2}, rtp->timeOuts);
+}
+
+TEST_F(RtspLink, ASilentClientIsNotTimedOutByItsLinks)
+{
+    FakeClock clock;
+    world.Rounds(2);
+    for (int i = 0; i < 200; ++i)
+    {
+        clock.Advance(20000);
+        world.Round();
+    }
+    EXPECT_TRUE(rtp->timeOuts.empty());
+    EXPECT_TRUE(rtcp->timeOuts.empty());
+}
+
+TEST_F(RtspLink, AnErrorInReadingIsToldAndNothingElseIs)
+{
+    for (const int received : {0, 1, 16384})
+    {
+        rtp->received = received;
+        rtcp->received = received;
+        EXPECT_EQ(HANDLER_NOTHING, rtp->HandleRecv()) << received;
+        EXPECT_EQ(HANDLER_NOTHING, rtcp->HandleRecv()) << received;
+    }
+    rtp->received = -1;
+    rtcp->received = -1;
+    EXPECT_EQ(HANDLER_GONE, rtp->HandleRecv());
+    EXPECT_EQ(HANDLER_GONE, rtcp->HandleRecv());
+}
+
+// The time stamp that goes with a report is that of the frame that made it due.
+TEST_F(RtspLink, AReportTellsTheTimeOfItsFrame)
+{
+    Push(2000000);
+    rtp->HandleSend();
+    Push(2000000 + 6999999);
+    rtp->HandleSend();
+    ASSERT_EQ(1u, rtcp->sent.size());
+    EXPECT_EQ(7u, GetBE32(Bytes(rtcp->sent[0]) + 16)); // the initial time stamp
+    Push(2000000 + 7000000);
+    rtp->HandleSend();
+    ASSERT_EQ(2u, rtcp->sent.size());
+    EXPECT_EQ(0x83AA7E80u + 9, GetBE32(Bytes(rtcp->sent[1]) + 8));
+    EXPECT_EQ(GetBE32(Bytes(rtp->sent[2]) + 4), GetBE32(Bytes(rtcp->sent[1]) + 16));
+    EXPECT_NE(7u, GetBE32(Bytes(rtcp->sent[1]) + 16));
+    EXPECT_EQ(3u, GetBE32(Bytes(rtcp->sent[1]) + 20));
+    EXPECT_EQ(300u, GetBE32(Bytes(rtcp->sent[1]) + 24));
 }
 
 TEST_F(RtspLink, AStoppedLinkSendsNothing)

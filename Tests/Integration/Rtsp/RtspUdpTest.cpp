@@ -186,7 +186,12 @@ TEST_F(RtspUdp, WhatAClientSendsToTheLinksIsReadAndDropped)
         rtp.SendTo(static_cast<unsigned short>(ServerPort(0)), "punch");
         rtcp.SendTo(static_cast<unsigned short>(ServerPort(1)), std::string(2000, 'r'));
     }
+    ::testing::internal::CaptureStderr();
     world.Rounds(50);
+    const std::string lines = ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(0u, lines.find("warning: "));
+    EXPECT_NE(std::string::npos, lines.find("   why recv data? \n"));
+    EXPECT_EQ(std::string::npos, lines.find("RTCP")); // of reports nothing is told
     world.PushVideo(1, 0, KeyFrame(), true, 2000000);
     EXPECT_EQ(16u, rtp.Read().size());
 }
@@ -373,6 +378,40 @@ TEST_F(RtspMulticast, ALaterClientSharesTheLink)
     EXPECT_EQ(0, close(sockets[1])); // the second client's socket had nothing on it
 }
 
+TEST_F(RtspMulticast, StartsAndStopsAreCountedOnTheConsole)
+{
+    SHARESDK_SetLogLevel(SHARESDK_LOG_NONE); // the console lines alone
+    CRTSP_RTCPLink* rtcp = MakeRtcp();
+    CRTSP_RTPLink* rtp = MakeRtp();
+    ::testing::internal::CaptureStderr();
+    for (int i = 0; i < 2; ++i)
+    {
+        rtp->RTSP_RTPLink_Start(MakeList(), rtcp);
+        rtcp->RTSP_RTCPLink_Start(rtp);
+    }
+    for (int i = 0; i < 2; ++i)
+    {
+        rtp->RTSP_RTPLink_Stop();
+        rtcp->RTSP_RTCPLink_Stop();
+    }
+    EXPECT_EQ("m_NuRTPStart = 1\nm_NuRTCPStart = 1\nm_NuRTPStart = 2\nm_NuRTCPStart = 2\n"
+              "m_NuRTPStart = 1\nm_NuRTCPStart = 1\nm_NuRTPStart = 0\nm_NuRTCPStart = 0\n",
+              ::testing::internal::GetCapturedStderr());
+    ::testing::internal::CaptureStderr();
+    char buffer[16];
+    EXPECT_EQ(0, rtp->RecvData(buffer, sizeof(buffer)));
+    EXPECT_EQ(0, rtcp->RecvData(buffer, sizeof(buffer)));
+    const std::string lines = ::testing::internal::GetCapturedStderr();
+    const std::size_t packets = lines.find("   why recv data? \n");
+    EXPECT_EQ(0u, lines.find("warning: "));
+    EXPECT_NE(std::string::npos, packets);
+    EXPECT_NE(std::string::npos, lines.find("   recv RTCP data \n", packets));
+    SHARESDK_SetLogLevel(SHARESDK_LOG_ALL);
+    rtcp->Destroy();
+    rtp->Destroy();
+}
+
+// The list of a further client would only fill: it is given back, and the link has its own one.
 TEST_F(RtspMulticast, TheFirstStopLeavesTheStreamFlowing)
 {
     world.BeginLive();

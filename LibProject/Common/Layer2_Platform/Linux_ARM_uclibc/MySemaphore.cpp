@@ -2,10 +2,10 @@
 
 #include "PFAssert.h"
 
-CMySemaphore::CMySemaphore(unsigned int initial, unsigned int lMaxCount)
-    : m_maximum(lMaxCount), m_lock(false), m_count(initial)
+CMySemaphore::CMySemaphore(unsigned int initial, unsigned int maximum)
+    : m_maximum(maximum), m_lock(false), m_count(initial)
 {
-    PF_ASSERT(lMaxCount > 0);
+    PF_ASSERT_TEXT(m_maximum > 0, "lMaxCount > 0");
 }
 
 void CMySemaphore::lock()

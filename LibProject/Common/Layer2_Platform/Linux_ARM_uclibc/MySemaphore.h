@@ -7,9 +7,9 @@
 class CMySemaphore
 {
 public:
-    /// @param initial    the count at the start
-    /// @param lMaxCount  above 0; kept, and not enforced
-    CMySemaphore(unsigned int initial, unsigned int lMaxCount);
+    /// @param initial  the count at the start
+    /// @param maximum  above 0; kept, and not enforced
+    CMySemaphore(unsigned int initial, unsigned int maximum);
 
     /// Waits until the count is not 0 and takes one.
     void lock();

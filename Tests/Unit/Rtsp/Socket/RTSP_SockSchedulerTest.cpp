@@ -256,6 +256,20 @@ TEST_F(RTSP_SockScheduler, AHandlerThatOutlivesItsTimeOutHasOneTurnInARound)
     EXPECT_EQ(2u, log.size());
 }
 
+TEST_F(RTSP_SockScheduler, AHandlerThatOutlivesItsTimeOutHasAllOfItAgain)
+{
+    Handler* handler = Make();
+    scheduler.AddSockHandler(SOCK_HANDLER_RECV, handler->Sock(), handler, 100);
+    clock.Advance(100);
+    RunOnce();
+    clock.Advance(99);
+    RunOnce();
+    EXPECT_EQ(Log{"timeout 2"}, log);
+    clock.Advance(1);
+    RunOnce();
+    EXPECT_EQ((Log{"timeout 2", "timeout 2"}), log);
+}
+
 TEST_F(RTSP_SockScheduler, AHandlerMayEndItselfAndOthersInItsTimeOut)
 {
     Handler* first = Make();
