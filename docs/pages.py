@@ -71,8 +71,8 @@ def prepared(page, known):
 def in_order(known):
     """As docs/README.md names them; what it does not name comes last."""
     index = HERE / "README.md"
-    named = [(HERE / target).resolve() for target in re.findall(r"\]\(([^)#]+\.md)\)", index.read_text(encoding="utf-8"))]
-    order = [index, *named]
+    targets = re.findall(r"\]\(([^)#]+\.md)\)", index.read_text(encoding="utf-8"))
+    order = [index, *((HERE / target).resolve() for target in targets)]
     return sorted(known, key=lambda page: (order.index(page) if page in order else len(order), page))
 
 
