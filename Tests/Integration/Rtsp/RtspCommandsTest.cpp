@@ -380,7 +380,7 @@ TEST_F(RtspCommands, TeardownLeavesTheStreamBeforeItIsClosedAtTheHost)
     world.data.Init(&host, &world.device);
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     Ask(Request("PLAY", Url("/live/one")));
     Ask(Request("TEARDOWN", Url("/live/one")));
     EXPECT_EQ(0, host.result); // a queue that waits for a key frame would refuse it
