@@ -565,7 +565,9 @@ TEST_F(RtspCommands, APortInUseIsToldOnTheConsole)
 TEST_F(RtspCommands, AStartedServerIsNotStartedAgain)
 {
     const unsigned short port = world.server->GetPort();
+    ::testing::internal::CaptureStderr();
     EXPECT_EQ(0, world.server->Start_RTSP_Server(0));
+    EXPECT_NE(std::string::npos, ::testing::internal::GetCapturedStderr().find(" error RTSP_Server.cpp:"));
     EXPECT_EQ(port, world.server->GetPort());
 }
 
