@@ -73,7 +73,7 @@ docs: deps
 	docs/pictures/draw.sh docs/pictures
 	docs/make.sh build/docs
 	cmake --preset dev
-	cmake --build --preset dev --parallel $(JOBS)
+	cmake --build --preset dev --parallel $(JOBS) --target docs_programs
 	ctest --preset dev --tests-regex '^Docs'
 
 deb:

@@ -27,9 +27,19 @@ def link(page, known):
             return f"![{text}]({pathlib.PurePosixPath(path).name})"
         if path.startswith("http"):
             return match[0]
-        if path and (page.parent / path).resolve() in known:
-            return f"[{text}](@ref {identifier((page.parent / path).resolve())})"
-        return text
+        other = (page.parent / path).resolve() if path else page
+        if other not in known:
+            return text
+        heading = target.partition("#")[2]
+        return f"[{text}](@ref {identifier(other)}{'_' + heading.replace('-', '_') if heading else ''})"
+    return replaced
+
+
+def named(page):
+    """Gives a heading the name by which links to it know it."""
+    def replaced(match):
+        slug = re.sub(r"[^\w -]", "", match[2].lower()).replace(" ", "_").replace("-", "_")
+        return f"{match[1]} {match[2]} {{#{identifier(page)}_{slug}}}"
     return replaced
 
 
@@ -52,7 +62,10 @@ def prepared(page, known):
     """The page with its identifier behind the title; blocks of code are left alone."""
     blocks = re.split(r"(^```.*?^```$|^(?:    [^\n]*\n)+)", page.read_text(encoding="utf-8"), flags=re.S | re.M)
     text = "".join(block if block.startswith(("```", "    ")) else prose(block, page, known) for block in blocks)
-    return re.sub(r"\A# (.*)", lambda title: f"# {title[1]} {{#{identifier(page)}}}", text)
+    text = re.sub(r"\A# (.*)", lambda title: f"# {title[1]} {{#{identifier(page)}}}", text)
+    code = r"(^```.*?^```$)"
+    return "".join(block if block.startswith("```") else re.sub(r"^(##+) (.*)$", named(page), block, flags=re.M)
+                   for block in re.split(code, text, flags=re.S | re.M))
 
 
 def in_order(known):

@@ -45,12 +45,31 @@ def fits(expected, printed):
     return re.fullmatch(pattern, printed[0]) is not None and fits(expected[1:], printed[1:])
 
 
+def anchors(text):
+    """The names of a page's headings, as forges make them."""
+    return {re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-")
+            for heading in re.findall(r"^#+ (.*)$", text, re.M)}
+
+
 class Links(unittest.TestCase):
     def test_lead_somewhere(self):
         for document in documents():
             for target in re.findall(r"\]\(([^)#:]+)(?:#[^)]*)?\)", document.read_text()):
                 with self.subTest(str(document.relative_to(ROOT)), link=target):
                     self.assertTrue((document.parent / target).exists())
+
+
+    def test_lead_to_headings_that_exist(self):
+        for document in documents():
+            for target, heading in re.findall(r"\]\(([^)#:]*)#([^)]*)\)", document.read_text()):
+                with self.subTest(str(document.relative_to(ROOT)), link=heading):
+                    page = document.parent / target if target else document
+                    self.assertIn(heading, anchors(page.read_text()))
+
+    def test_show_pictures_that_exist(self):
+        shown = re.findall(r'<img src="([^"]+)"', (ROOT / "README.md").read_text())
+        self.assertEqual(["docs/camera-page.png"], shown)
+        self.assertTrue((ROOT / shown[0]).exists())
 
 
 class Examples(unittest.TestCase):
