@@ -16,6 +16,7 @@
 #include <cerrno>
 #include <cstring>
 #include <exception>
+#include <memory>
 #include <netinet/in.h>
 #include <sys/socket.h>
 
@@ -36,6 +37,33 @@ bool SetBuffer(int sock, int option)
     const int bytes = CRTSP_Server::SOCKET_BUFFER_BYTES;
     return setsockopt(sock, SOL_SOCKET, option, &bytes, sizeof(bytes)) == 0;
 }
+
+/// Makes what owns a socket from then on; without memory the socket is closed.
+template <class Make>
+auto MakeOrClose(int sock, Make make)
+{
+    try
+    {
+        return make();
+    }
+    catch (const std::exception&)
+    {
+        NC_CloseSocket(sock);
+        throw;
+    }
+}
+
+/// Ends a link that its session does not get; a shared one lives on.
+struct LinkEnd
+{
+    CRTSP_ClientSession* session;
+
+    void operator()(CRTSP_RTPLink* link) const
+    {
+        link->CRTSP_Erase(session);
+        link->Destroy();
+    }
+};
 
 } // namespace
 
@@ -311,20 +339,28 @@ int CRTSP_Server::Create_RTP_RTCP_Link_UDP(CRTSP_ClientSession* session, int uni
     const unsigned int initialTimestamp = static_cast<unsigned int>(PUB_Rand());
     const unsigned int ip = NC_inet_addr(address);
     const RTP_LINK_CFG link{session, ip, rtpPort, *config, ssrc, initialTimestamp, m_scheduler, rtpSock};
-    CRTSP_RTPLink* rtp = unicast != 0 ? CRTSP_RTPLink_UDP::Create_RTSP_RTPLink_UDP(link)
-                                      : CRTSP_RTPLink_UDP_Multicast::Create_RTSP_RTPLink_UDP_Multicast(link);
+    std::unique_ptr<CRTSP_RTPLink, LinkEnd> rtp(
+        MakeOrClose(rtpSock,
+                    [&]
+                    {
+                        return unicast != 0 ? CRTSP_RTPLink_UDP::Create_RTSP_RTPLink_UDP(link)
+                                            : CRTSP_RTPLink_UDP_Multicast::Create_RTSP_RTPLink_UDP_Multicast(link);
+                    }),
+        LinkEnd{session});
 
     const int rtcpSock = Create_A_Valid_Sock(unicast, address, rtcpPort);
     if (rtcpSock == -1)
-    {
-        rtp->CRTSP_Erase(session); // a shared link lives on
-        rtp->Destroy();
         return -1;
-    }
     const RTCP_LINK_CFG rtcpLink{session, ip,          rtcpPort, static_cast<unsigned char>(config->frameType),
                                  ssrc,    m_scheduler, rtcpSock, config->linkTimeOutMs};
-    *ppRTCPLnk = unicast != 0 ? CRTSP_RTCPLink_UDP::Create_RTSP_RTCPLink_UDP(rtcpLink)
-                              : CRTSP_RTCPLink_UDP_Multicast::Create_RTSP_RTCPLink_UDP_Multicast(rtcpLink);
-    *ppRTPLnk = rtp;
+    *ppRTCPLnk =
+        MakeOrClose(rtcpSock,
+                    [&]
+                    {
+                        return unicast != 0
+                                   ? CRTSP_RTCPLink_UDP::Create_RTSP_RTCPLink_UDP(rtcpLink)
+                                   : CRTSP_RTCPLink_UDP_Multicast::Create_RTSP_RTCPLink_UDP_Multicast(rtcpLink);
+                    });
+    *ppRTPLnk = rtp.release();
     return 0;
 }

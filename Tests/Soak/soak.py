@@ -73,8 +73,9 @@ CAMERA_LINES = [
     ("log.media", r"^netserver-camera: (.*; trying again|stream \d+: .*)$"),
     ("log.media", r"\b(GStreamer|GLib)[-\w]* \*\*"),
     (None, r"CRTSP_DataManager::GetSnapShot timeout"),  # the client is told
-    ("log.disk", r"^netserver-camera: .*'; trying again with each key frame$"),
-    ("log.disk", r"^netserver-camera: a setting could not be stored and stays as it was$"),
+    ("log.disk", r"^netserver-camera: .*'; trying again with each key frame;"),
+    ("log.disk", r"^netserver-camera: a setting could not be stored and stays as it was;"),
+    (None, r"^netserver-camera: waiting for the first pictures of the source"),
 ]
 RECORDER_LINES = [
     ("recorder.login", r"^netserver-nvr: [0-9.:]+: login failed with code \d+"),

@@ -100,6 +100,7 @@ private:
 
     int ServeMessage(char* msg, int len, int headerEnd);
     int ServeHttp(const std::string& method);
+    int ServeCommand(REQUEST& request, const char* msg);
     int SendAnswer();
     bool IsProbeAnswer(const char* text) const;
     bool AuthenticationOK(const std::string& method, unsigned int cseq, const char* request);
@@ -128,6 +129,8 @@ private:
     int EndDescribeWait();
 
     int handleCmd_SETUP(CRtspProtocol* protocol);
+    bool SetUpTrack(const RTSP_STREAM_CFG& config, const RTSP_TRANSPORT& transport, unsigned int cseq,
+                    const char* request);
     void SendProbe();
     bool SetUpUdp(SUB_SESSION_STREAM_INFO& track, const RTSP_TRANSPORT& transport, unsigned int cseq,
                   const std::string& source);

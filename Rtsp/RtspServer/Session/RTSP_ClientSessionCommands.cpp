@@ -133,9 +133,12 @@ int CRTSP_ClientSession::ServeMessage(char* msg, int len, int headerEnd)
             return 0;
         }
     }
-    if (isHttp)
-        return ServeHttp(request.method);
+    return isHttp ? ServeHttp(request.method) : ServeCommand(request, msg);
+}
 
+/// @param msg  the whole message, as the login is looked for in it
+int CRTSP_ClientSession::ServeCommand(REQUEST& request, const char* msg)
+{
     for (const COMMAND& command : COMMANDS)
     {
         if (request.method != command.method)

@@ -70,26 +70,30 @@ int CRTSP_ClientSession::handleCmd_SETUP(CRtspProtocol* protocol)
         handleCmd_unsupportedTransport(cseq);
         return -1;
     }
-
-    const unsigned char key = static_cast<unsigned char>(config.frameType);
-    if (m_subSessionStreamMap.count(key) != 0)
+    if (!SetUpTrack(config, transport, cseq, text))
     {
         handleCmd_unknownError(cseq);
         return -1;
     }
-    auto track = std::make_unique<SUB_SESSION_STREAM_INFO>(&config, transport.mode);
-    if (transport.mode == STREAMING_TCP)
-    {
-        SetUpTcp(*track, transport, cseq, SourceAddress(text));
-    }
-    else if (!SetUpUdp(*track, transport, cseq, SourceAddress(text)))
-    {
-        handleCmd_unknownError(cseq);
-        return -1;
-    }
-    m_subSessionStreamMap[key] = std::move(track);
     m_state = STATE_READY;
     return 0;
+}
+
+/// @return false when the track is set up already, or no ports or no group can be had
+bool CRTSP_ClientSession::SetUpTrack(const RTSP_STREAM_CFG& config, const RTSP_TRANSPORT& transport, unsigned int cseq,
+                                     const char* request)
+{
+    const unsigned char key = static_cast<unsigned char>(config.frameType);
+    if (m_subSessionStreamMap.count(key) != 0)
+        return false;
+    auto track = std::make_unique<SUB_SESSION_STREAM_INFO>(&config, transport.mode);
+    const std::string source = SourceAddress(request);
+    if (transport.mode == STREAMING_TCP)
+        SetUpTcp(*track, transport, cseq, source);
+    else if (!SetUpUdp(*track, transport, cseq, source))
+        return false;
+    m_subSessionStreamMap[key] = std::move(track);
+    return true;
 }
 
 /// The address by which the client knows us, else the connection's own.

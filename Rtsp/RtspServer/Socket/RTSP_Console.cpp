@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
-#include <string>
+#include <cstring>
 
 namespace
 {
@@ -26,11 +26,13 @@ void RTSP_ConsoleLine(const char* format, ...)
     std::vsnprintf(text, sizeof(text), format, arguments);
     va_end(arguments);
 
-    // What a peer sent must not begin a line of its own, nor command a terminal; the line's own break stays.
-    std::string line(text);
-    const std::size_t end = line.find_last_not_of(" \n") + 1; // 0 when there is nothing else
-    std::replace_if(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(end), IsControl, ' ');
-    std::fputs(line.c_str(), stderr);
+    // What a peer sent must not begin a line of its own, nor command a terminal; the line's own break stays. No memory
+    // is taken for it: links print while they end.
+    char* end = text + std::strlen(text);
+    while (end != text && (end[-1] == ' ' || end[-1] == '\n'))
+        --end;
+    std::replace_if(text, end, IsControl, ' ');
+    std::fputs(text, stderr);
 }
 
 void RTSP_LogLine(const char* file, unsigned int line, const char* format, ...)

@@ -380,7 +380,7 @@ TEST_F(RtspCommands, TeardownLeavesTheStreamBeforeItIsClosedAtTheHost)
     world.data.Init(&host, &world.device);
     world.BeginLive();
     Describe();
-    Setup(0, "RTP/AVP/TCP;interleaved=0-1");
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
     Ask(Request("PLAY", Url("/live/one")));
     Ask(Request("TEARDOWN", Url("/live/one")));
     EXPECT_EQ(0, host.result); // a queue that waits for a key frame would refuse it
@@ -565,7 +565,9 @@ TEST_F(RtspCommands, APortInUseIsToldOnTheConsole)
 TEST_F(RtspCommands, AStartedServerIsNotStartedAgain)
 {
     const unsigned short port = world.server->GetPort();
+    ::testing::internal::CaptureStderr();
     EXPECT_EQ(0, world.server->Start_RTSP_Server(0));
+    EXPECT_NE(std::string::npos, ::testing::internal::GetCapturedStderr().find(" error RTSP_Server.cpp:"));
     EXPECT_EQ(port, world.server->GetPort());
 }
 

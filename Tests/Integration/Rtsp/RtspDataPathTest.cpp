@@ -591,6 +591,18 @@ TEST_F(RtspTunnel, ACookieCountsToItsFiftiethByte)
     EXPECT_TRUE(IsAnswerTo(get.ReadAnswer(), 8));
 }
 
+TEST_F(RtspTunnel, APostIsFoundAndDetachedByItsCookie)
+{
+    Peer post = Post("abc123");
+    EXPECT_EQ(-1, world.server->GetPostSession("other"));
+    EXPECT_EQ(-1, world.server->GetPostSession(""));
+    EXPECT_EQ(0, world.server->GetPostSession("abc123"));
+    post.Send(Base64(Options(8))); // served by the POST connection itself from now on
+    EXPECT_TRUE(IsAnswerTo(post.ReadAnswer(), 8));
+    EXPECT_EQ(nullptr, world.server->GetClientSession("other", nullptr));
+    EXPECT_NE(nullptr, world.server->GetClientSession("abc123", nullptr));
+}
+
 TEST_F(RtspTunnel, KillingTheGetLeavesThePostOpen)
 {
     Peer post = Post("abc123");

@@ -213,6 +213,7 @@ TEST_F(RtspUdp, NoTwoTracksShareAPort)
     while (world.server->NextPort() != port)
         world.server->IncreasePort();
     SetUpTrack(1);
+    ASSERT_EQ("RTSP/1.0 200 OK", setupAnswer.substr(0, 15));
     EXPECT_NE(port, ServerPort(0));
     EXPECT_NE(port, ServerPort(1));
 }
