@@ -7,6 +7,8 @@
 #include "NetTypes.h"
 #include "ThreadAnnotations.h"
 
+#include <memory>
+
 class CSharedData
 {
 public:
@@ -36,3 +38,10 @@ private:
     CLock m_lock;
     int m_count GUARDED_BY(m_lock) = 0;
 };
+
+/// Gives its reference back at the end of a scope.
+struct SharedDataGiveBack
+{
+    void operator()(CSharedData* frame) const { frame->Dec(); }
+};
+using SharedDataHolder = std::unique_ptr<CSharedData, SharedDataGiveBack>;

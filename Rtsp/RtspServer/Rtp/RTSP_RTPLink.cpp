@@ -250,17 +250,16 @@ bool CRTSP_RTPLink::TakeFrame()
 {
     for (;;)
     {
-        CSharedData* frame = m_list == nullptr ? nullptr : m_list->GetFirstData();
+        const SharedDataHolder frame(m_list == nullptr ? nullptr : m_list->GetFirstData());
         if (frame == nullptr)
             return false;
         const std::uint64_t frameUs = frame->GetFrameInfo()->presentationUs;
         if (m_reportBaseUs == 0)
             m_reportBaseUs = frameUs;
         unsigned int timestamp = 0;
-        if (m_packUp.MakeUpPacket(frame, &m_packets, &timestamp) == -1)
+        if (m_packUp.MakeUpPacket(frame.get(), &m_packets, &timestamp) == -1)
         {
             m_list->DeleteUntilKeyFrame();
-            frame->Dec();
             continue;
         }
         if (static_cast<std::int64_t>(frameUs - m_reportBaseUs) > REPORT_INTERVAL_US)
@@ -269,7 +268,6 @@ bool CRTSP_RTPLink::TakeFrame()
             m_reportSent = false;
             m_reportTimestamp = timestamp;
         }
-        frame->Dec();
         return true;
     }
 }

@@ -220,10 +220,10 @@ unsigned char* CRTSP_RTPPackUp::AppendPacket(unsigned int payloadLength, bool ma
                                              std::list<SENDING_COMMON_DATA>* out)
 {
     const unsigned int length = HeaderLength() + payloadLength;
-    SENDING_COMMON_DATA packet;
+    out->emplace_back();
+    SENDING_COMMON_DATA& packet = out->back();
     packet.data = new char[length];
     packet.length = static_cast<int>(length);
-    out->push_back(packet);
 
     auto* bytes = reinterpret_cast<unsigned char*>(packet.data);
     if (m_mode == STREAMING_TCP)

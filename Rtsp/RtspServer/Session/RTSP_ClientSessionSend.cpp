@@ -179,13 +179,12 @@ int CRTSP_ClientSession::SendRTPDataOverTCP()
                 return result;
             progress = progress || result == HANDLER_PROGRESS;
 
-            CSharedData* frame = tcp.list == nullptr ? nullptr : tcp.list->GetFirstData();
+            const SharedDataHolder frame(tcp.list == nullptr ? nullptr : tcp.list->GetFirstData());
             if (frame == nullptr)
                 break;
             unsigned int timestamp = 0;
-            if (tcp.packUp->MakeUpPacket(frame, &tcp.packets, &timestamp) == -1)
+            if (tcp.packUp->MakeUpPacket(frame.get(), &tcp.packets, &timestamp) == -1)
                 tcp.list->DeleteUntilKeyFrame();
-            frame->Dec();
         }
     }
     return progress ? HANDLER_PROGRESS : HANDLER_NOTHING;

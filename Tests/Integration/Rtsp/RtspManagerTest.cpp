@@ -161,6 +161,18 @@ TEST_F(RtspManager, SoundOfAChannelWithTwoUrlsReachesBothStreams)
     EXPECT_EQ(std::string("$\0\x01\x4c", 4), sub.Read(4));
 }
 
+TEST_F(RtspManager, VideoOfAChannelWithTwoUrlsGoesToTheStreamThatTheHostNames)
+{
+    manager.SetLiveRTSPUrl(78, 0, "/manager/video/main");
+    manager.SetLiveRTSPUrl(78, 1, "/manager/video/sub");
+    Start();
+    PushVideo(78, 0, KeyFrame(), true, 1000000);
+    std::string payload = DeltaFrame();
+    const NETNS::RTSP_FRAME frame = FrameRecord(NETNS::RTSP_FRAME_VIDEO, false, 1040000, payload.size());
+    EXPECT_EQ(0, manager.AddData_RTSP_Manager(78, 0, frame, payload.data()));
+    EXPECT_EQ(-1, manager.AddData_RTSP_Manager(78, 1, frame, payload.data())); // no key frame has come there
+}
+
 TEST_F(RtspManager, SoundOfAChannelWithOneUrlGoesToTheStreamThatTheHostNames)
 {
     manager.SetLiveRTSPUrl(83, 0, "/manager/single");

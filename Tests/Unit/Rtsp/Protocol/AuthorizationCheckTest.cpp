@@ -72,6 +72,7 @@ TEST_F(AuthorizationCheck, DigestWinsOverBasic)
 {
     EXPECT_EQ(1, Check("Authorization: Digest x").GetAuthorizatoinType());
     EXPECT_EQ(2, Check("Authorization: Basic x").GetAuthorizatoinType());
+    EXPECT_EQ(2, Check("Authorization: Basic").GetAuthorizatoinType());
     EXPECT_EQ(1, Check("Authorization: Basic x\r\nAuthorization: Digest x").GetAuthorizatoinType());
 }
 

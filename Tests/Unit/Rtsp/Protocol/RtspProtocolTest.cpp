@@ -376,3 +376,18 @@ TEST(RtspProtocol, AUrlEndsAtABlankAlone)
     ASSERT_TRUE(message->Parse());
     EXPECT_EQ("a\tb", message.Url());
 }
+
+TEST(RtspProtocol, AMethodEndsAtATab)
+{
+    Message message("PLAY\ta RTSP/1.0\r\nCSeq: 1\r\n\r\n");
+    ASSERT_TRUE(message->Parse());
+    EXPECT_EQ("PLAY", message.Method());
+    EXPECT_EQ("a", message.Url());
+}
+
+TEST(RtspProtocol, AUserAgentEndsAtALineFeed)
+{
+    Message message("OPTIONS * RTSP/1.0\nCSeq: 1\nUser-Agent: p\nX: y\n\n");
+    ASSERT_TRUE(message->Parse());
+    EXPECT_EQ(" p", message->GetUserAgent());
+}
