@@ -174,6 +174,12 @@ TEST(CreateSpsPpsInfo, TextOf127CharactersFits)
     EXPECT_EQ(0x676161u, none.profileLevelId);
 }
 
+// The search goes on one byte behind a unit's first byte.
+TEST(CreateSpsPpsInfo, StartCodeRightBehindAnotherIsPartOfTheUnit)
+{
+    EXPECT_STREQ("aM48gA==", Read(Unit(SPS) + PPS).spropParameterSets);
+}
+
 TEST(CreateSpsPpsInfo, ReadsTheFirst512Units)
 {
     std::string others;
@@ -301,6 +307,8 @@ TEST_F(Sdp, TalkHasItsFixedSectionAndNeedsNoVideo)
     EXPECT_EQ(NETNS::RTSP_ENCODE_PCMA, m_profile.audio.encodeType);
     EXPECT_EQ(8, m_profile.audio.payloadType);
     EXPECT_EQ(8000u, m_profile.audio.clockRate);
+    EXPECT_TRUE(Describe(39, 0)); // by the id alone
+    EXPECT_FALSE(Describe(1, 39));
 }
 
 // A client that plays before the first frame makes a record that says nothing; the next key frame fills it.

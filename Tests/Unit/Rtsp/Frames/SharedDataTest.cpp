@@ -6,6 +6,7 @@
 
 #include <climits>
 #include <cstring>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -60,7 +61,9 @@ TEST(SharedData, FrameWithoutPayloadHasLengthZero)
     const void* payloads[] = {"a", nullptr, "a"};
     for (int i = 0; i < 3; ++i)
     {
+        testing::internal::CaptureStderr();
         auto* data = new CSharedData(cases[i], payloads[i]);
+        EXPECT_NE(std::string::npos, testing::internal::GetCapturedStderr().find(" error SharedData.cpp:")) << i;
         data->Add();
         EXPECT_EQ(0, data->GetLength());
         EXPECT_EQ(nullptr, data->GetRtData());

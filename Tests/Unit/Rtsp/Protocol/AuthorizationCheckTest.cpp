@@ -213,6 +213,8 @@ INSTANTIATE_TEST_SUITE_P(Headers, AuthorizationCheckBasic, testing::ValuesIn(BAS
 TEST_F(AuthorizationCheck, BasicWithoutLineEndIsRefused)
 {
     EXPECT_FALSE(Check("Authorization: Basic dXNlcjo=").IsCheckOk());
+    EXPECT_TRUE(Check("Authorization: Basic dXNlcjo=\n").IsCheckOk());
+    EXPECT_TRUE(Check("Authorization: Basic dXNlcjo=\r").IsCheckOk());
     EXPECT_FALSE(Check("Authorization: Basic").IsCheckOk());
 }
 
