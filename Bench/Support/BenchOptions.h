@@ -18,10 +18,9 @@ public:
     template <typename NUMBER>
     BenchOptions& Number(const char* name, NUMBER& value)
     {
-        const auto most = static_cast<unsigned long>(std::numeric_limits<NUMBER>::max());
+        static constexpr auto most = static_cast<unsigned long>(std::numeric_limits<NUMBER>::max());
         return Add(name, true,
-                   [name, most, &value](const char* text)
-                   { value = static_cast<NUMBER>(ReadNumber(name, text, most)); });
+                   [name, &value](const char* text) { value = static_cast<NUMBER>(ReadNumber(name, text, most)); });
     }
     BenchOptions& Text(const char* name, std::string& value);
     /// An option without a value. @param given  what the variable becomes when it is given

@@ -79,7 +79,7 @@ private:
 
     bool m_started = false;
     bool m_stopping = false;
-    unsigned int m_restEnd = 0; ///< tick, while it is one of the scheduler's waiters
+    unsigned int m_restEnd = 0;    ///< tick, while it is one of the scheduler's waiters
     char m_localAddress[128] = {}; ///< handed to every session; stays empty
     std::list<CRTSP_ClientSession*> m_sessionList;
     unsigned short m_nextPort = FIRST_UDP_PORT;

@@ -66,8 +66,8 @@ public:
     int Reads(int handle);
     /// How often an outgoing connection was asked after.
     int Polls(int handle);
-    /// "initial", "listen 80 0 1", "stop 80", "quit", in order; taken out. Of outgoing connections "connect 10.0.0.1 80",
-    /// "give up 1", "register 1 1 1" (its handle last), "start 1", "send 1", "stop node 1", "unregister 1" and
+    /// "initial", "listen 80 0 1", "stop 80", "quit", in order; taken out. Of outgoing connections "connect 10.0.0.1
+    /// 80", "give up 1", "register 1 1 1" (its handle last), "start 1", "send 1", "stop node 1", "unregister 1" and
     /// "destroy 1" too.
     std::vector<std::string> TakeCalls();
     bool AwaitCall(const std::string& call);
