@@ -89,7 +89,7 @@ unsigned int CThreadTable::Create(const std::shared_ptr<CThread>& thread, int& e
     {
         return 0;
     }
-    reference.release(); // the new thread's
+    static_cast<void>(reference.release()); // the new thread's
     m_changed.wait(lock, [&thread] { return thread->id != 0; });
     const unsigned int handle = NextHandle();
     m_threads[handle] = thread;
