@@ -161,7 +161,7 @@ CAMERA_FAULTS = [
     Fault("stream changed", 6, (), 0, change_stream),
     Fault("disk full", 8, ("api.answer", "log.disk"), 3, fill_disk),
     Fault("clock jumps", 9, (), 0, jump_clock),
-    Fault("sound changed", 4, ("rtsp.closed", "rtsp.refused", "sample.*"), 3, change_sound),
+    Fault("sound changed", 4, ("rtsp.closed", "rtsp.refused", "sample.*", "api.answer"), 3, change_sound),
     Fault("descriptors exhausted", 6, OUTAGE + ("log.descriptors", "log.media"), OUTAGE_AFTER, exhaust_descriptors),
     Fault("interface down", 4, OUTAGE, OUTAGE_AFTER, interface_down),
     Fault("interface gone", 4, OUTAGE, OUTAGE_AFTER, interface_gone),

@@ -9,6 +9,7 @@ A network is held by a process that sleeps in it; `nsenter` runs programs there.
 """
 
 import collections
+import contextlib
 import os
 import re
 import resource
@@ -25,6 +26,7 @@ CAMERA_ADDRESS, SITE_ADDRESS = "10.88.0.2", "10.88.0.1"
 HTTP, RTSP, ALARM, DESCRIPTION = 8080, 8554, 7000, 33899
 DISK_MB = 48
 READY_SECONDS = 60    # GStreamer looks through its plugins on the first run of a machine
+FORGET_SECONDS = 5
 CARRIER_SECONDS = 5
 ANNOUNCED_SECONDS = 10  # from the start to the announcement
 END_SECONDS = 20      # for a program to end when it is asked to
@@ -86,9 +88,34 @@ class CameraNetwork(Network):
         self.ip("link", "delete", "eth0")
 
     def connections(self):
-        """How many TCP connections the camera has with others."""
-        text = run(*self.command("ss", "--tcp", "--numeric", "--no-header", "state", "connected"))
-        return sum(1 for line in text.splitlines() if not re.match(r"TIME-WAIT|FIN-WAIT-2", line.lstrip()))
+        """The TCP connections that the camera has with others."""
+        return [" ".join(one) for one in sockets(self.command()) if one[0] not in ("TIME-WAIT", "FIN-WAIT-2")]
+
+    def forget_lost(self):
+        """Ends the connections of which the camera alone knows: their client has gone with a reset, which nobody repeats
+        when it is lost in an outage. A new connection from the same port makes the two notice (RFC 9293, 3.5.1).
+        @return how many there were"""
+        here = {local for state, local, peer in sockets([])}
+        lost = [(local, peer) for state, local, peer in sockets(self.command()) if state == "ESTAB" and peer not in here]
+        for camera, client in lost:
+            with socket.socket() as again:
+                again.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+                again.settimeout(FORGET_SECONDS)
+                again.bind(address_of(client))
+                with contextlib.suppress(OSError):  # nobody listens where the camera was the client
+                    again.connect(address_of(camera))
+        return len(lost)
+
+
+def sockets(command):
+    """State, local and peer address of the TCP connections where `command` runs a program."""
+    text = run(*command, "ss", "--tcp", "--numeric", "--no-header", "state", "connected")
+    return [(line.split()[0], *line.split()[3:5]) for line in text.splitlines()]
+
+
+def address_of(text):
+    host, port = text.rsplit(":", 1)
+    return host, int(port)
 
 
 class Announcements:
