@@ -110,7 +110,7 @@ bool CListener::StartThread()
     {
         return false;
     }
-    reference.release(); // the new thread's
+    static_cast<void>(reference.release()); // the new thread's
     m_threads.push_back(thread);
     ++m_spares;
     return true;
