@@ -7,7 +7,7 @@
 void RtpTimeOutSessions(const std::list<CRTSP_ClientSession*>& sessions, int iTypeMask)
 {
     // The link, and so its own list, may be gone after the last call.
-    const std::list<CRTSP_ClientSession*> users = sessions;
+    const std::list<CRTSP_ClientSession*> users(sessions.begin(), sessions.end());
     if (users.empty())
         return;
     for (auto user = std::next(users.begin()); user != users.end(); ++user)
