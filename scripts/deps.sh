@@ -11,7 +11,7 @@ BUILD="cmake ninja-build g++ pkg-config
   gstreamer1.0-x gstreamer1.0-libav gstreamer1.0-tools
   libgtest-dev libgmock-dev libbenchmark-dev
   python3 ffmpeg curl libxml2-utils chromium iproute2 util-linux gupnp-tools
-  debhelper dpkg-dev mandoc systemd doxygen graphviz gnuplot-nox"
+  locales debhelper dpkg-dev mandoc systemd doxygen graphviz gnuplot-nox"
 FORMAT="git clang-format"
 LINT="clang clang-tidy cppcheck"
 COVERAGE="gcovr"
