@@ -90,7 +90,7 @@ TEST_F(RtspExports, TheDevicesOwnSoundReachesTalkClients)
     Play(peer, "/talk", 2);
     const NETNS::RTSP_FRAME frame = FrameRecord(NETNS::RTSP_FRAME_AUDIO, false, 1000000, sound.size());
     EXPECT_EQ(0, NET_SERVER_TalkBackStreamIn(frame, sound.data()));
-    EXPECT_EQ(std::string("$\0\x01\x4c", 4), peer.Read(4)); // 12 + 320
+    EXPECT_EQ(std::string("$\0\x01\x4c\x80\x88", 6), peer.Read(6)); // 12 + 320 bytes, payload type 8
 }
 
 TEST_F(RtspExports, EveryResultIsZeroWhateverBecomesOfAFrame)

@@ -2,7 +2,6 @@
 
 #include "FakeDevice.h"
 #include "FakeStreamCtrl.h"
-#include "NetServerSDK.h"
 #include "Peer.h"
 #include "Policy.h"
 #include "RTSP_Manager.h"
@@ -10,7 +9,6 @@
 
 #include <atomic>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <thread>
 #include <vector>
@@ -185,72 +183,6 @@ TEST_F(RtspManager, SoundOfAChannelWithOneUrlGoesToTheStreamThatTheHostNames)
     PushAudio(83, 1, AudioFrame(100), 1040000); // another stream of the channel
     PushAudio(83, 0, AudioFrame(200), 1080000);
     EXPECT_EQ(std::string("$\0\x00\xd4", 4), peer.Read(4)); // 12 + 200
-}
-
-/// The functions that hosts call.
-class RtspExports : public RtspManager
-{
-protected:
-    ~RtspExports() override
-    {
-        EXPECT_EQ(0, NET_SERVER_RTSPStop());
-        NET_SERVER_Quit();
-    }
-    void StartExported() { EXPECT_EQ(0, NET_SERVER_RTSPStart(0, &stream, &device)); }
-};
-
-// A start that was refused does not count: the next one is served.
-TEST_F(RtspExports, AStartNeedsTheSocketService)
-{
-    rlimit before{};
-    getrlimit(RLIMIT_NOFILE, &before);
-    const rlimit none{0, before.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none); // the socket service cannot have its descriptors
-    StartExported();
-    setrlimit(RLIMIT_NOFILE, &before);
-    EXPECT_EQ(0, manager.GetPort());
-    StartExported();
-    Peer peer(manager.GetPort());
-    EXPECT_EQ("RTSP/1.0 200 OK", Options(peer));
-}
-
-TEST_F(RtspExports, LiveFramesReachTheClientsOfTheirUrlAndTheAnswerIsZeroInAnyCase)
-{
-    EXPECT_EQ(0, NET_SERVER_SetLiveRTSPUrl(79, 1, "/exports/live"));
-    StartExported();
-    std::string payload = DeltaFrame();
-    NETNS::RTSP_FRAME frame = FrameRecord(NETNS::RTSP_FRAME_VIDEO, false, 1000000, payload.size());
-    EXPECT_EQ(0, NET_SERVER_LiveStreamIn(79, 1, frame, payload.data())); // refused, in front of a key frame
-    payload = KeyFrame();
-    frame = FrameRecord(NETNS::RTSP_FRAME_VIDEO, true, 1040000, payload.size());
-    EXPECT_EQ(0, NET_SERVER_LiveStreamIn(79, 1, frame, payload.data()));
-    Peer peer(manager.GetPort());
-    EXPECT_EQ("RTSP/1.0 200 OK", Play(peer, "/exports/live", 0));
-    EXPECT_EQ(0, NET_SERVER_LiveStreamIn(79, 1, frame, payload.data()));
-    EXPECT_EQ("$", peer.Read(1));
-}
-
-TEST_F(RtspExports, PlaybackFramesReachTheClientWhoseHandleTheyName)
-{
-    StartExported();
-    std::string payload = KeyFrame();
-    const NETNS::RTSP_FRAME frame = FrameRecord(NETNS::RTSP_FRAME_VIDEO, true, 1000000, payload.size());
-    EXPECT_EQ(0, NET_SERVER_PlayStreamIn(55, frame, payload.data())); // the fake host's handle
-    Peer peer(manager.GetPort());
-    EXPECT_EQ("RTSP/1.0 200 OK", Play(peer, "/3?date=2016-1-2&time=8:30:0&timelen=600", 0));
-    EXPECT_EQ(0, NET_SERVER_PlayStreamIn(55, frame, payload.data()));
-    EXPECT_EQ("$", peer.Read(1));
-}
-
-TEST_F(RtspExports, TalkFramesReachTheTalkClients)
-{
-    StartExported();
-    Peer peer(manager.GetPort());
-    EXPECT_EQ("RTSP/1.0 200 OK", Play(peer, "/talk", 2));
-    std::string payload = AudioFrame(100);
-    const NETNS::RTSP_FRAME frame = FrameRecord(NETNS::RTSP_FRAME_AUDIO, false, 1000000, payload.size());
-    EXPECT_EQ(0, NET_SERVER_TalkBackStreamIn(frame, payload.data()));
-    EXPECT_EQ(std::string("$\0\x00\x70\x80\x88", 6), peer.Read(6)); // 12 + 100 bytes, payload type 8
 }
 
 /// Lists of one stream: the first client's has no key frame yet, the one behind it has.
