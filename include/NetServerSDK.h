@@ -58,7 +58,8 @@ int NET_SERVER_Start(unsigned short port, const char* webRoot, const char* cfgFi
 /// @return 1, also when the port could not be opened
 int NET_SERVER_SetHttpPort(unsigned short port);
 
-/// Serves RTSP on a port (RFC 2326). Does nothing while RTSP runs. Starts the socket service, if need be.
+/// Serves RTSP on a port (RFC 2326). Does nothing while RTSP runs. Starts the socket service, if need be. The first
+/// call of an RTSP function has the process ignore SIGPIPE.
 /// @param port    TCP port on all interfaces
 /// @param stream  the streams; borrowed until NET_SERVER_RTSPStop
 /// @param dev     the users; borrowed until NET_SERVER_RTSPStop

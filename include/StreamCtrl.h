@@ -8,11 +8,11 @@
 /// All operations are called on the RTSP scheduler thread, on which every RTSP client is served: an operation that
 /// takes long stalls them all. No lock of the library is held, but NET_SERVER_RTSPStop waits for the call to return.
 ///
-/// `userInfoXml` is the text
-/// `<?xml version="1.0"
-/// encoding="UTF-8"?><userinfo><username>..</username><password>..</password><ip>..</ip></userinfo>` of the user that
-/// passed the Digest check, at most 255 bytes; user name and password are empty when no login is required, and for a
-/// client that got past the login without a name (an unreadable Basic header).
+/// `userInfoXml` is `<?xml version="1.0" encoding="UTF-8"?>` and directly behind it
+/// `<userinfo><username>..</username><password>..</password><ip>..</ip></userinfo>`, without the tabs of the text that
+/// CDevInterface gets. It tells the user that passed the Digest check, in at most 255 bytes; user name and password are
+/// empty when no login is required, and for a client that got past the login without a name (an unreadable Basic
+/// header).
 ///
 /// CDefaultStreams implements all of it for hosts whose live streams are always there.
 class CStreamCtrl
