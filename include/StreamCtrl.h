@@ -11,8 +11,8 @@
 /// `userInfoXml` is `<?xml version="1.0" encoding="UTF-8"?>` and directly behind it
 /// `<userinfo><username>..</username><password>..</password><ip>..</ip></userinfo>`, without the tabs of the text that
 /// CDevInterface gets. It tells the user that passed the Digest check, in at most 255 bytes; user name and password are
-/// empty when no login is required, and for a client that got past the login without a name (an unreadable Basic
-/// header).
+/// empty when no login is required, and for a client that got past the login without a name: by an unreadable Basic
+/// header, or a Digest over an empty name and password.
 ///
 /// CDefaultStreams implements all of it for hosts whose live streams are always there.
 class CStreamCtrl
@@ -54,7 +54,8 @@ public:
     /// @param handle  what OpenRecStream returned
     virtual void ClosePlayStream(unsigned int handle) = 0;
 
-    /// A client describes a talk URL, one that holds "talk" and nothing else that is known.
+    /// A client describes a talk URL, one that holds "talk" and nothing else that is known; "talkback" is taken for a
+    /// live stream.
     /// @param userInfoXml  who asks; borrowed for the call
     /// @return a handle for CloseTalkBackStream; any value
     virtual unsigned int OpenTalkBackStream(const char* userInfoXml) = 0;
