@@ -29,11 +29,12 @@ bool ONVIF_CLIENT_Quit();
 /// @param password  may be empty; with the name at most 62 characters. With both empty, requests carry no security
 ///                  header
 /// @param error     receives 0, or why the login failed: 4 no answer, 5 the camera reports a fault, 6 what answers does
-///                  not talk SOAP, 401 the camera refuses the credentials; null: not asked for
+///                  not talk SOAP, 401 the camera refuses the credentials; null: not asked for. Left alone when nothing
+///                  is said to a camera
 /// @return the login's token, from 1; 0xFFFFFFFF for a failure, an unknown token or a null text
 unsigned int ONVIF_CLIENT_Login(unsigned int token, const char* ip, unsigned short port, const char* user,
                                 const char* password, unsigned int* error);
-/// Ends a login. A command that runs is carried out.
+/// Ends a login. A command that runs is carried out. Its observer stays: remove that first.
 /// @param token  of the login
 /// @return true, also for an unknown token
 bool ONVIF_CLIENT_Logout(unsigned int token);
