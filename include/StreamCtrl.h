@@ -45,8 +45,8 @@ public:
     /// @param time         time of the beginning, not checked
     /// @param timeLen      seconds asked for
     /// @param out          set to 0 before the call, not read afterwards
-    /// @return the handle with which the host then feeds NET_SERVER_PlayStreamIn; one for each session. The description
-    ///         waits up to four seconds for a key frame under it.
+    /// @return the handle with which the host then feeds NET_SERVER_PlayStreamIn; one for each session, neither 39 nor
+    ///         the number of a live channel. The description waits up to four seconds for a key frame under it.
     virtual unsigned int OpenRecStream(const char* userInfoXml, unsigned int chn, const NETNS::DEV_DATE& date,
                                        const NETNS::DEV_TIME& time, unsigned int timeLen, unsigned int& out) = 0;
 
