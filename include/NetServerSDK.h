@@ -47,8 +47,8 @@ int NET_SERVER_Initial(unsigned int channels, unsigned int alarmOuts, unsigned i
 /// description on port 33899. May be called again, which announces again.
 /// @param port     TCP port on all interfaces; 0 lets the system choose
 /// @param webRoot  directory of the web pages; copied. URLs with ".." lead out of it
-/// @param cfgFile  path of the library's own settings file, made when it is first needed; copied. It keeps the address
-///                 of the alarm server and nothing else
+/// @param cfgFile  path of the library's own settings file, made when it is first needed, in a directory that may be
+///                 written; copied. It keeps the address of the alarm server and nothing else
 /// @return 0, also when the port could not be opened
 int NET_SERVER_Start(unsigned short port, const char* webRoot, const char* cfgFile);
 
@@ -58,7 +58,8 @@ int NET_SERVER_Start(unsigned short port, const char* webRoot, const char* cfgFi
 /// @return 1, also when the port could not be opened
 int NET_SERVER_SetHttpPort(unsigned short port);
 
-/// Serves RTSP on a port (RFC 2326). Does nothing while RTSP runs. Starts the socket service, if need be.
+/// Serves RTSP on a port (RFC 2326). Does nothing while RTSP runs. Starts the socket service, if need be. The first
+/// call of an RTSP function has the process ignore SIGPIPE.
 /// @param port    TCP port on all interfaces
 /// @param stream  the streams; borrowed until NET_SERVER_RTSPStop
 /// @param dev     the users; borrowed until NET_SERVER_RTSPStop

@@ -1,8 +1,8 @@
 // OnvifSDK.h: the functions of the ONVIF side.
 //
 // The host logs in to cameras and reads and changes them through small XML documents; it never sees SOAP. Any thread
-// may call; calls that ask a camera last until it has answered, 5 seconds at most for each request of a command and
-// 40 seconds for a login. Requests and answers are described in docs/onvif-client.md.
+// may call; calls that ask a camera last until it has answered, 5 seconds at most for each request of a command, 8
+// where it writes an encoder, and 40 seconds for a login. Requests and answers are described in docs/onvif-client.md.
 #pragma once
 
 #include "NetTypes.h"
@@ -22,19 +22,19 @@ bool ONVIF_CLIENT_Quit();
 /// Logs in to a camera: finds its services and profiles. Nothing is kept open afterwards, and nothing renews or tests
 /// the login; two logins to one camera are independent of each other.
 /// @param token     0xFFFFFFFF for a new login; another value only asks whether that login stands, without a word to
-/// the
-///                  camera
+///                  the camera
 /// @param ip        dotted text; all requests go there, whatever addresses the camera names
 /// @param port      of the camera's ONVIF services, host order
 /// @param user      may be empty
 /// @param password  may be empty; with the name at most 62 characters. With both empty, requests carry no security
-/// header
+///                  header
 /// @param error     receives 0, or why the login failed: 4 no answer, 5 the camera reports a fault, 6 what answers does
-///                  not talk SOAP, 401 the camera refuses the credentials; null: not asked for
+///                  not talk SOAP, 401 the camera refuses the credentials; null: not asked for. Left alone when nothing
+///                  is said to a camera
 /// @return the login's token, from 1; 0xFFFFFFFF for a failure, an unknown token or a null text
 unsigned int ONVIF_CLIENT_Login(unsigned int token, const char* ip, unsigned short port, const char* user,
                                 const char* password, unsigned int* error);
-/// Ends a login. A command that runs is carried out.
+/// Ends a login. A command that runs is carried out. Its observer stays: remove that first.
 /// @param token  of the login
 /// @return true, also for an unknown token
 bool ONVIF_CLIENT_Logout(unsigned int token);
@@ -52,8 +52,7 @@ bool ONVIF_CLIENT_GetCfg(unsigned int token, const char* request, char*& respons
 /// @param token     of the login
 /// @param request   a "Set" document; borrowed for the call
 /// @param response  receives the "SetResponse" document, which goes back through ONVIF_CLIENT_DelResponseBuff; null
-/// when
-///                  there is none
+///                  when there is none
 /// @return false when a key could not be carried out, and when there is no answer, as for an unknown token. Keys in
 ///         front of one that failed stay applied on the camera
 bool ONVIF_CLIENT_SetCfg(unsigned int token, const char* request, char*& response);

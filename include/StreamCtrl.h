@@ -8,11 +8,11 @@
 /// All operations are called on the RTSP scheduler thread, on which every RTSP client is served: an operation that
 /// takes long stalls them all. No lock of the library is held, but NET_SERVER_RTSPStop waits for the call to return.
 ///
-/// `userInfoXml` is the text
-/// `<?xml version="1.0"
-/// encoding="UTF-8"?><userinfo><username>..</username><password>..</password><ip>..</ip></userinfo>` of the user that
-/// passed the Digest check, at most 255 bytes; user name and password are empty when no login is required, and for a
-/// client that got past the login without a name (an unreadable Basic header).
+/// `userInfoXml` is `<?xml version="1.0" encoding="UTF-8"?>` and directly behind it
+/// `<userinfo><username>..</username><password>..</password><ip>..</ip></userinfo>`, without the tabs of the text that
+/// CDevInterface gets. It tells the user that passed the Digest check, in at most 255 bytes; user name and password are
+/// empty when no login is required, and for a client that got past the login without a name: by an unreadable Basic
+/// header, or a Digest over an empty name and password.
 ///
 /// CDefaultStreams implements all of it for hosts whose live streams are always there.
 class CStreamCtrl
@@ -45,8 +45,8 @@ public:
     /// @param time         time of the beginning, not checked
     /// @param timeLen      seconds asked for
     /// @param out          set to 0 before the call, not read afterwards
-    /// @return the handle with which the host then feeds NET_SERVER_PlayStreamIn; one for each session. The description
-    ///         waits up to four seconds for a key frame under it.
+    /// @return the handle with which the host then feeds NET_SERVER_PlayStreamIn; one for each session, neither 39 nor
+    ///         the number of a live channel. The description waits up to four seconds for a key frame under it.
     virtual unsigned int OpenRecStream(const char* userInfoXml, unsigned int chn, const NETNS::DEV_DATE& date,
                                        const NETNS::DEV_TIME& time, unsigned int timeLen, unsigned int& out) = 0;
 
@@ -54,7 +54,8 @@ public:
     /// @param handle  what OpenRecStream returned
     virtual void ClosePlayStream(unsigned int handle) = 0;
 
-    /// A client describes a talk URL, one that holds "talk" and nothing else that is known.
+    /// A client describes a talk URL, one that holds "talk" and nothing else that is known; "talkback" is taken for a
+    /// live stream.
     /// @param userInfoXml  who asks; borrowed for the call
     /// @return a handle for CloseTalkBackStream; any value
     virtual unsigned int OpenTalkBackStream(const char* userInfoXml) = 0;

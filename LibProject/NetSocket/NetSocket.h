@@ -86,7 +86,7 @@ int NET_SOCKET_Recv_Immediate(int handle, char* buffer, int length, bool* broken
 /// @param handle     the connection
 /// @param timeoutMs  milliseconds to wait at most
 /// @return true when it would, and at once for a handle that is unknown: the read tells; false when `timeoutMs` has
-/// passed
+///         passed
 bool NET_SOCKET_WaitRecv(int handle, unsigned int timeoutMs);
 
 /// Sends what the connection takes. While an outgoing connect is under way it waits for it, so that connect, send and
@@ -136,8 +136,7 @@ int NET_SOCKET_AddConnect(unsigned int reserved, const char* address, unsigned s
 /// Tells how an outgoing connect is doing.
 /// @param handle     of NET_SOCKET_AddConnect
 /// @param result     receives 0 while the connect is under way, a positive number once connected, a negative one when
-/// it
-///                   failed
+///                   it failed
 /// @param timeoutMs  milliseconds to wait for an outcome
 /// @return false for an unknown handle, with `result` negative
 bool NET_SOCKET_PopConnectResult(int handle, int& result, unsigned int timeoutMs);

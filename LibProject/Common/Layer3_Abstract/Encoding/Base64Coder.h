@@ -37,8 +37,7 @@ public:
     /// Decodes into a C string, skipping every foreign byte, and ends at the first "=".
     /// @param dst  room for strlen(src) * 3 / 4 + 2 bytes
     /// @return at an "=": one more than the finished bytes, which counts the byte under construction; this is 0 and
-    /// ends
-    ///         the text when the input is well-formed. Otherwise the bytes without the zero byte behind them.
+    ///         ends the text when the input is well-formed. Otherwise the bytes without the zero byte behind them.
     unsigned int base64decone(const char* src, char* dst);
 
     /// The same for input that nobody vouches for: at most `capacity` - 1 bytes are kept, and there is always a zero
