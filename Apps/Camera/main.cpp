@@ -10,12 +10,24 @@
 #include <cstdio>
 #include <iostream>
 
+#include <malloc.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace
 {
+
+/// Left alone, the C library learns from each large block that is given back to keep blocks of that size, in every
+/// thread's heap: a few requests and pictures of a megabyte would leave tens of megabytes behind.
+void GiveLargeMemoryBack()
+{
+    constexpr int LARGE_BYTES = 128 * 1024; // where the C library begins with it
+    constexpr int HEAPS = 4;                // instead of eight for each core
+    mallopt(M_MMAP_THRESHOLD, LARGE_BYTES);
+    mallopt(M_TRIM_THRESHOLD, LARGE_BYTES);
+    mallopt(M_ARENA_MAX, HEAPS);
+}
 
 /// Standard output carries one line only. What the libraries print there goes to standard error.
 /// @return a descriptor of the real standard output
@@ -44,6 +56,7 @@ sigset_t TakeSignals()
 
 int main(int argc, char** argv)
 {
+    GiveLargeMemoryBack(); // in front of the first thread
     CameraOptions options;
     switch (ParseCommandLine(argc, argv, options, std::cout, std::cerr))
     {
