@@ -4,6 +4,7 @@ set(beyond_qemu
   # qemu 7.2 refuses setsockopt(IP_MULTICAST_IF): nothing can be multicast.
   MulticastService.BaseSendsAnEmptyDatagramOnce
   MulticastService.InterfaceThatCannotSendDelaysNoOther
+  MulticastService.SendingSocketsJoinTheGroup
   MulticastService.SocketsGoWithTheObject
   PFMulticastSocket.SendSocketUsesTheInterface
   UpnpServer.EachInterfaceGetsOneDatagramWithTheFirstOnesAddress
@@ -13,6 +14,8 @@ set(beyond_qemu
   UpnpServer.StopClosesThePortAndSaysNothing
   # qemu 7.2 refuses getsockopt(SO_BINDTODEVICE), with which the test looks.
   PFMulticastSocket.CreateBindsToTheInterface
+  # Of getsockopt(TCP_INFO) it gives the first four bytes only.
+  NC_Listener.FiveConnectionsMayWait
   # A program of the device cannot start one of the device: the machine's kernel runs its own kind only.
   OnvifKeys.ThatNobodyKnowsEndTheProcess)
 
