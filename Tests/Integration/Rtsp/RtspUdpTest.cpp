@@ -293,6 +293,7 @@ TEST_F(RtspPorts, AGroupIsJoinedWithoutLoopAndBoundToTheClientsPort)
     NC_CloseSocket(sock);
 }
 
+#ifndef __SANITIZE_ADDRESS__ // the sanitizer opens a pipe to check a pointer, and takes a failure for a bad pointer
 // The packets' socket alone is no use: it goes with the second one that cannot be had.
 TEST_F(RtspPorts, WithoutASocketForReportsThereIsNoneForPackets)
 {
@@ -316,6 +317,7 @@ TEST_F(RtspPorts, WithoutASocketForReportsThereIsNoneForPackets)
     EXPECT_EQ(-1, world.scheduler.DelSockHandler(next));
     EXPECT_EQ("RTP sock " + std::to_string(next) + "\n", ::testing::internal::GetCapturedStderr());
 }
+#endif
 
 TEST_F(RtspPorts, AFailedGroupLeavesNoSocketOpen)
 {

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <unistd.h>
 
 namespace
 {
@@ -421,7 +422,7 @@ public:
     }
 
 private:
-    const std::string m_path = testing::TempDir() + "onvif-transform.log";
+    const std::string m_path = testing::TempDir() + "onvif-transform." + std::to_string(getpid()) + ".log";
 };
 
 TEST(XmlTransform, TellsTheLogOfAServiceThatItDoesNotKnow)

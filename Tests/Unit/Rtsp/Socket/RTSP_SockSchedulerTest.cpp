@@ -604,6 +604,7 @@ TEST_F(RTSP_SockScheduler, AWaitIsOfSixtyMilliseconds)
     EXPECT_EQ(60, CRTSP_SockScheduler::MAX_WAIT_MS);
 }
 
+#ifndef __SANITIZE_ADDRESS__ // the sanitizer opens a pipe to check a pointer, and takes a failure for a bad pointer
 TEST_F(RTSP_SockScheduler, AWaitThatFailsIsLoggedAndLastsAsLong)
 {
     scheduler.RunRound();
@@ -618,6 +619,7 @@ TEST_F(RTSP_SockScheduler, AWaitThatFailsIsLoggedAndLastsAsLong)
     EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(50));
     EXPECT_NE(std::string::npos, ::testing::internal::GetCapturedStderr().find(" select err."));
 }
+#endif
 
 TEST_F(RTSP_SockScheduler, AWaitThatASignalEndsIsLoggedAndNotRepeated)
 {
