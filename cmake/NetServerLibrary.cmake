@@ -2,8 +2,8 @@
 #
 # A library of the project, of both kinds from the same objects: NAME-static and NAME-shared, installed under one file
 # name. NAME itself is the kind that BUILD_SHARED_LIBS chooses. HEADERS is the folder of the public headers, EXPORTS the
-# linker's list of what a program can reach in the shared library. USES are other libraries of the project, whose headers and names users get too; LIBRARIES are
-# third-party targets.
+# linker's list of what a program can reach in the shared library. USES are other libraries of the project, whose
+# headers and names users get too; LIBRARIES are third-party targets.
 function(netserver_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "HEADERS;EXPORTS;EXPORT_NAME" "OBJECTS;USES;LIBRARIES")
   set(export_name "${name}")
