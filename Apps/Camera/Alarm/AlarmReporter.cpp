@@ -1,5 +1,6 @@
 #include "AlarmReporter.h"
 
+#include <algorithm>
 #include <utility>
 
 CAlarmReporter::CAlarmReporter(std::function<void(const AlarmEdge&)> report)
@@ -22,8 +23,29 @@ void CAlarmReporter::Put(const AlarmEdge& edge)
     {
         const std::lock_guard<std::mutex> guard(m_lock);
         m_edges.push_back(edge);
+        if (m_edges.size() > MAX_EDGES)
+        {
+            DropOldest();
+        }
     }
     m_wake.notify_all();
+}
+
+void CAlarmReporter::DropOldest()
+{
+    // The alarms are far fewer than the edges that may wait, so one of them has a later edge.
+    for (auto at = m_edges.begin(); at != m_edges.end(); ++at)
+    {
+        const auto isOfTheSameAlarm = [at](const AlarmEdge& later)
+        {
+            return later.kind == at->kind && later.id == at->id;
+        };
+        if (std::any_of(at + 1, m_edges.end(), isOfTheSameAlarm))
+        {
+            m_edges.erase(at);
+            return;
+        }
+    }
 }
 
 void CAlarmReporter::Run()

@@ -6,6 +6,7 @@
 #include "AlarmBoard.h"
 
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -14,17 +15,21 @@
 class CAlarmReporter
 {
 public:
+    static constexpr std::size_t MAX_EDGES = 256; ///< that wait
+
     /// @param report  called for each edge in order, on the reporter's thread
     explicit CAlarmReporter(std::function<void(const AlarmEdge&)> report);
 
     /// Drops what has not been reported yet.
     ~CAlarmReporter();
 
-    /// Any thread; returns at once.
+    /// Any thread; returns at once. When an alarm server keeps the reports waiting, the oldest edges are dropped, but
+    /// never the last one of an alarm.
     void Put(const AlarmEdge& edge);
 
 private:
     void Run();
+    void DropOldest();
 
     const std::function<void(const AlarmEdge&)> m_report;
 

@@ -152,3 +152,42 @@ TEST(AlarmReporter, ReportsEdgesInTheirOrderOnItsOwnThread)
     }
     EXPECT_EQ((Edges{"motion on", "sensor 1 on", "motion off"}), reported);
 }
+
+TEST(AlarmReporter, KeepsTheLastEdgeOfEachAlarmWhenReportsAreSlow)
+{
+    std::mutex lock;
+    std::condition_variable wake;
+    bool isHeld = true;
+    std::vector<std::string> reported;
+    {
+        CAlarmReporter reporter(
+            [&](const AlarmEdge& edge)
+            {
+                std::unique_lock<std::mutex> guard(lock);
+                reported.push_back(Text(edge));
+                wake.notify_all();
+                wake.wait(guard, [&] { return !isHeld; });
+            });
+        const auto waitFor = [&](std::size_t count)
+        {
+            std::unique_lock<std::mutex> guard(lock);
+            return wake.wait_for(guard, std::chrono::seconds(30), [&] { return reported.size() == count; });
+        };
+        reporter.Put({AlarmKind::VideoLoss, 0, true});
+        ASSERT_TRUE(waitFor(1)); // the server holds this one
+        reporter.Put({AlarmKind::Sensor, 1, true});
+        for (std::size_t i = 0; i < CAlarmReporter::MAX_EDGES; ++i)
+        {
+            reporter.Put({AlarmKind::Motion, 0, true});
+            reporter.Put({AlarmKind::Motion, 0, false});
+        }
+        {
+            const std::lock_guard<std::mutex> guard(lock);
+            isHeld = false;
+        }
+        wake.notify_all();
+        ASSERT_TRUE(waitFor(1 + CAlarmReporter::MAX_EDGES));
+    }
+    EXPECT_EQ("sensor 1 on", reported[1]);
+    EXPECT_EQ("motion off", reported.back());
+}
