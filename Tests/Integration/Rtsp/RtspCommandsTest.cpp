@@ -237,6 +237,15 @@ TEST_F(RtspCommands, SetupOverUdpNamesBothPairsOfPorts)
               SetupTrack(0, "RTP/AVP;unicast;client_port=6000-6001"));
 }
 
+// Else a client could have media sent to somebody who never asked for them.
+TEST_F(RtspCommands, ADestinationInSetupIsNotUsed)
+{
+    world.BeginLive();
+    Describe();
+    const std::string answer = SetupTrack(0, "RTP/AVP;unicast;destination=192.0.2.1;client_port=6000-6001");
+    EXPECT_NE(std::string::npos, answer.find(";destination=127.0.0.1;source=127.0.0.1;client_port=6000-6001;"));
+}
+
 // The address is looked for at even places of the text only, so a method word of odd length hides it.
 TEST_F(RtspCommands, TheSourceIsTheHostOfTheRequestUrl)
 {
@@ -313,6 +322,15 @@ TEST_F(RtspCommands, PlayNamesTheTracksInOrder)
     EXPECT_EQ("RTSP/1.0 200 OK\r\n" + SERVER + "CSeq: 4\r\nSession: ID\r\nRange: npt=0.000- \r\nRTP-Info: url=" +
                   Url("/live/one") + "/0;seq=S;rtptime=T,url=" + Url("/live/one") + "/1;seq=S;rtptime=T\r\n\r\n",
               Ask(Request("PLAY", Url("/live/one"))));
+}
+
+TEST_F(RtspCommands, ARangeInPlayIsNotLookedAt)
+{
+    world.BeginLive();
+    Describe();
+    SetupTrack(0, "RTP/AVP/TCP;interleaved=0-1");
+    const std::string answer = Ask(Request("PLAY", Url("/live/one"), "Range: npt=7.5-20\r\n"));
+    EXPECT_NE(std::string::npos, answer.find("\r\nRange: npt=0.000- \r\n"));
 }
 
 TEST_F(RtspCommands, PlayBeforeSetupIs404AndCloses)
