@@ -236,6 +236,24 @@ bool UdpPeer::SendTo(unsigned short port, const std::string& bytes)
                   sizeof(address)) == static_cast<ssize_t>(bytes.size());
 }
 
+void SendNoise(unsigned short port)
+{
+    unsigned int noise = 1;
+    for (int i = 0; i < 50; ++i)
+    {
+        std::string bytes;
+        for (int j = 0; j < 2000; ++j)
+        {
+            noise = noise * 1664525 + 1013904223;
+            bytes += static_cast<char>(noise >> 24);
+        }
+        Peer peer(port);
+        peer.Send(bytes + "\r\n\r\n");
+        peer.ShutdownSend();
+        peer.ReadAll();
+    }
+}
+
 unsigned short FreePort()
 {
     const int sock = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);

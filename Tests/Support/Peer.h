@@ -71,5 +71,8 @@ private:
     Peer::Pump m_pump;
 };
 
+/// Fifty connections that send 2000 bytes of noise each, the same in every run, and read to their end.
+void SendNoise(unsigned short port);
+
 /// A TCP port that was free a moment ago.
 unsigned short FreePort();

@@ -1,9 +1,9 @@
 #include "NvrTrace.h"
 
+#include "TempDirectory.h"
+
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
 #include <sstream>
 
 namespace
@@ -52,20 +52,18 @@ TEST(NvrTrace, TellsThatAnAnswerTookLong)
 
 TEST(NvrTrace, WritesExchangesToAFileAndAStream)
 {
-    const std::string path = testing::TempDir() + "NvrTraceTest.txt";
+    const CTempDirectory directory;
     std::ostringstream messages;
     std::ostringstream out;
     CNvrTrace trace(messages);
-    ASSERT_TRUE(trace.OpenFile(path));
+    ASSERT_TRUE(trace.OpenFile(directory.Path("trace.txt")));
     trace.ShowOn(&out);
     trace.OnExchange(Exchange("HTTP/1.1 200 OK", 15, 3));
     trace.ShowOn(nullptr);
     const std::string expected =
         std::string("--- to 10.0.0.1:80\n") + REQUEST + "\n--- 15 bytes after 3 ms\nHTTP/1.1 200 OK\n";
     EXPECT_EQ(expected, out.str());
-    std::ifstream file(path);
-    EXPECT_EQ(expected, std::string(std::istreambuf_iterator<char>(file), {}));
-    std::remove(path.c_str());
+    EXPECT_EQ(expected, directory.Read("trace.txt"));
 }
 
 TEST(NvrTrace, TellsThatAFileCannotBeWritten)

@@ -324,20 +324,7 @@ TEST_F(UpnpServer, NoiseAndAnswersStopNothing)
 {
     Init();
     Start();
-    unsigned int noise = 1;
-    for (int i = 0; i < 50; ++i)
-    {
-        std::string bytes;
-        for (int j = 0; j < 2000; ++j)
-        {
-            noise = noise * 1664525 + 1013904223;
-            bytes += static_cast<char>(noise >> 24);
-        }
-        Peer peer(PORT);
-        peer.Send(bytes + "\r\n\r\n");
-        peer.ShutdownSend();
-        peer.ReadAll();
-    }
+    SendNoise(PORT);
     Peer peer(PORT);
     peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\nx");
     peer.ReadAll();

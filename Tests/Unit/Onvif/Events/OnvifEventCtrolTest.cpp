@@ -643,20 +643,7 @@ TEST_F(OnvifEventPort, SilentPeersDelayNobody)
 
 TEST_F(OnvifEventPort, NoiseStopsNothing)
 {
-    unsigned int noise = 1;
-    for (int i = 0; i < 50; ++i)
-    {
-        std::string bytes;
-        for (int j = 0; j < 2000; ++j)
-        {
-            noise = noise * 1664525 + 1013904223;
-            bytes += static_cast<char>(noise >> 24);
-        }
-        Peer peer(m_port);
-        peer.Send(bytes + "\r\n\r\n");
-        peer.ShutdownSend();
-        peer.ReadAll();
-    }
+    SendNoise(m_port);
     EXPECT_EQ(ACKNOWLEDGED, Post("x"));
 }
 

@@ -1,11 +1,9 @@
 #include "OnvifXmlParse.h"
 
 #include "SysHelper.h"
+#include "TempDirectory.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdio>
-#include <fstream>
 
 namespace
 {
@@ -182,13 +180,11 @@ TEST(OnvifXmlParse, WhatCannotBeParsedIsEmpty)
 
 TEST(OnvifXmlParse, LoadsAFile)
 {
-    const std::string path = testing::TempDir() + "onvif-document.xml";
-    std::ofstream(path) << Bound(SCHEMA);
+    const CTempDirectory directory;
     COnvifXmlParse document;
-    EXPECT_TRUE(document.LoadFile(path));
+    EXPECT_TRUE(document.LoadFile(directory.Write("document.xml", Bound(SCHEMA))));
     EXPECT_EQ("found", ValueAt(document, "root/tt:e"));
-    std::remove(path.c_str());
-    EXPECT_FALSE(document.LoadFile(path));
+    EXPECT_FALSE(document.LoadFile(directory.Path("missing.xml")));
 }
 
 TEST(OnvifXmlParse, GivesValuesThatLookLikeNamesStandardPrefixes)
