@@ -7,6 +7,6 @@ cd "$(dirname "$0")/.."
 git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run -Werror
 cmake --preset clang > /dev/null
 cmake --build --preset clang
-run-clang-tidy -quiet -p build/clang "$PWD/(LibProject|Server|QlxApi|Rtsp|Onvif|Apps)/.*"
+run-clang-tidy -quiet -p build/clang "$PWD/(LibProject|Server|QlxApi|Rtsp|Onvif|Apps|examples)/.*"
 cppcheck --quiet --project=build/clang/compile_commands.json --enable=warning,performance,portability \
   --inline-suppr -iTests -iBench -ibuild --error-exitcode=1

@@ -69,7 +69,7 @@ std::vector<Picture> Pictures(const std::string& stream)
         else if ((type == 1 || type == 5) && !isFirstSlice)
             return {};
         else if (type == 5 || (type == 1 && !pictures.empty()))
-            pictures.push_back({(type == 5 ? sps + pps : "") + START_CODE + unit, type == 5});
+            pictures.push_back({(type == 5 ? sps + pps : "").append(START_CODE).append(unit), type == 5});
     }
     return pictures;
 }
