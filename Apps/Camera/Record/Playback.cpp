@@ -1,7 +1,6 @@
 #include "Playback.h"
 
 #include "RecordTime.h"
-#include "RecordedFrames.h"
 
 #include <algorithm>
 #include <chrono>
@@ -52,25 +51,27 @@ void CPlayback::Stop()
 
 void CPlayback::Run()
 {
-    Describe();
+    // Opened in front of the wait: a recording that is removed from then on plays to its end.
+    CRecordedFrames frames(m_index, m_fromUs, m_toUs);
+    RecordedFrame frame;
+    const NextFrame first = frames.Next(frame);
+    if (first == NextFrame::Ready && Wait(0))
+    {
+        Describe(frame);
+    }
     if (Wait(START_DELAY_US))
     {
-        Play();
+        Play(frames, frame, first);
     }
     m_ended = true;
 }
 
 /// Sound first: the description is made as soon as there is a picture.
-void CPlayback::Describe()
+void CPlayback::Describe(const RecordedFrame& picture)
 {
     CRecordedFrames frames(m_index, m_fromUs, m_toUs);
-    RecordedFrame picture;
-    if (frames.Next(picture) != NextFrame::Ready)
-    {
-        return;
-    }
     RecordedFrame frame;
-    for (int count = 0; count < FRAMES_TO_FIND_SOUND && frames.Next(frame) == NextFrame::Ready; ++count)
+    for (int count = 0; count <= FRAMES_TO_FIND_SOUND && frames.Next(frame) == NextFrame::Ready; ++count)
     {
         if (frame.kind == RecordedKind::Audio)
         {
@@ -81,13 +82,11 @@ void CPlayback::Describe()
     Feed(picture);
 }
 
-void CPlayback::Play()
+/// @param next  what `frames` has given first
+void CPlayback::Play(CRecordedFrames& frames, RecordedFrame& frame, NextFrame next)
 {
-    CRecordedFrames frames(m_index, m_fromUs, m_toUs);
-    RecordedFrame frame;
-    while (true)
+    for (;; next = frames.Next(frame))
     {
-        const NextFrame next = frames.Next(frame);
         if (next == NextFrame::End || (next == NextFrame::NotYet && !Wait(RECORDING_POLL_US)))
         {
             return;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "RecordIndex.h"
+#include "RecordedFrames.h"
 #include "SegmentFile.h"
 
 #include <atomic>
@@ -36,8 +37,8 @@ public:
 
 private:
     void Run();
-    void Describe();
-    void Play();
+    void Describe(const RecordedFrame& picture);
+    void Play(CRecordedFrames& frames, RecordedFrame& frame, NextFrame next);
     bool AwaitTurn(RecordedFrame& frame);
     void Feed(const RecordedFrame& frame);
     bool Wait(std::int64_t us);

@@ -455,6 +455,19 @@ TEST_F(Recordings, APlaybackFeedsTheDescriptionFirstAndThenEverythingInOrder)
     playbacks.Close(handle);
 }
 
+// The oldest recordings go while clients watch them.
+TEST_F(Recordings, APlaybackGoesOnWhenItsRecordingIsRemoved)
+{
+    Record(0, 1);
+    CFedFrames fed;
+    CPlaybacks playbacks(m_index, fed.Feed());
+    playbacks.Open(BASE, 10);
+    ASSERT_TRUE(fed.Await(2)); // it is described now, and plays a second later
+    ASSERT_TRUE(m_index.RemoveOldest());
+    EXPECT_TRUE(m_index.Find(0, BASE + 10 * SECOND).empty());
+    EXPECT_TRUE(fed.Await(2 + 2));
+}
+
 TEST_F(Recordings, APlaybackLeavesGapsOut)
 {
     Record(0, 1);
