@@ -74,6 +74,11 @@ async def sections(address):
         rb"<starttime[^>]*><!\[CDATA\[(.*?)\]\]></starttime>\s*<seconds[^>]*>(\d+)<", answer)]
 
 
+def lasting(found):
+    """Those sections that no newer recording pushes out of the disk in the next seconds."""
+    return found[2:] or found[-1:]
+
+
 def recording_path(start, seconds):
     """The path of RTSP that plays a recording."""
     year, month, day, hour, minute, second = (int(number) for number in re.findall(r"\d+", start))

@@ -387,7 +387,7 @@ async def recording(kind, worker):
     found = [one for one in await api.sections((worker.host, worker.http)) if one[1] >= 3]
     if not found:
         return await live(kind, worker)
-    start, seconds = random.choice(found)
+    start, seconds = random.choice(api.lasting(found))
     client = kind(worker, api.recording_path(start, seconds))
     client.longest = seconds - 2
     return client

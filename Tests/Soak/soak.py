@@ -472,7 +472,7 @@ class Soak:
             return
         if not self.await_true(RESUME_SECONDS, lambda: self.sections() != sections):
             self.judge.error("kept.recordings", "nothing is added to the recordings in %d s" % RESUME_SECONDS)
-        playable = [one for one in sections if one[1] >= 4]
+        playable = api.lasting([one for one in sections if one[1] >= 4])
         for start, seconds in playable[:1] + playable[-1:]:
             self.one_sample("tcp", "rtsp://admin:admin@%s:%d%s" % (
                 world.CAMERA_ADDRESS, world.RTSP, api.recording_path(start, seconds)), 20)
