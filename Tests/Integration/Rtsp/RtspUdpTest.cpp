@@ -381,6 +381,18 @@ TEST_F(RtspMulticast, ALaterClientSharesTheLink)
     EXPECT_EQ(0, close(sockets[1])); // the second client's socket had nothing on it
 }
 
+TEST_F(RtspMulticast, AClientBehindTheLastOneGetsALinkOfItsOwn)
+{
+    MakeRtp()->Destroy();
+    MakeRtcp()->Destroy();
+    CRTSP_RTPLink* rtp = MakeRtp();
+    CRTSP_RTCPLink* rtcp = MakeRtcp();
+    EXPECT_NE(0, rtp->GetPort());
+    EXPECT_NE(0, rtcp->GetPort());
+    rtp->Destroy();
+    rtcp->Destroy();
+}
+
 TEST_F(RtspMulticast, StartsAndStopsAreCountedOnTheConsole)
 {
     SHARESDK_SetLogLevel(SHARESDK_LOG_NONE); // the console lines alone
