@@ -36,26 +36,26 @@ void ParseRequest(std::vector<char> text, CPolicy policy)
 
     std::string value;
     for (const char* name : {"date", "time", "timelen"})
-        RtspUrlField(url, name, value);
+        GetURLFieldValue(url, name, value);
 }
 
 void ParseHeaders(const std::vector<char>& text)
 {
     unsigned int nextChannel = 0;
     RTSP_TRANSPORT transport;
-    const int result = RtspParseTransport(text.data(), nextChannel, transport);
+    const int result = parseTransportHeader(text.data(), nextChannel, transport);
     Require(result == 0 || result == -1);
     Require(memchr(transport.transport, 0, sizeof(transport.transport)) != nullptr);
     Require(memchr(transport.destination, 0, sizeof(transport.destination)) != nullptr);
     Require(nextChannel == 0 || nextChannel == 2);
 
     std::string host;
-    RtspLocalIpFromRequest(text.data(), host);
+    GetLocalIPFromRequest(text.data(), host);
     Require(host.size() <= 127);
     RtspAsksDynamicRate(text.data());
     double start = 0;
     double end = 0;
-    RtspParseRange(text.data(), start, end);
+    parseRangeHeader(text.data(), start, end);
 }
 
 void CheckAuthorization(const std::vector<char>& text)

@@ -7,6 +7,8 @@
 namespace
 {
 
+constexpr const char* ENVELOPE = "s";
+
 struct NamespaceRow
 {
     const char* prefix; // as paths are written
@@ -17,30 +19,30 @@ struct NamespaceRow
 // "et" keeps its own prefix.
 // clang-format off
 const NamespaceRow NAMESPACES[] = {
-    {"s",     "/soap-envelope"                                   },
-    {"tds",   "/device/wsdl"                                     },
-    {"tt",    "www.onvif.org/ver10/schema"                       },
-    {"dis",   "/discovery"                                       },
-    {"ad",    "www.w3.org/2005/08/addressing"                    },
-    {"addis", "schemas.xmlsoap.org/ws/2004/08/addressing"        },
-    {"nt",    "/network/wsdl"                                    },
-    {"http",  "/wsdl/http"                                       },
-    {"ana",   "/analytics/wsdl"                                  },
-    {"ew",    "/events/wsdl"                                     },
-    {"img",   "/imaging/wsdl"                                    },
-    {"dio",   "/deviceio/wsdl"                                   },
-    {"tp",    "/topics"                                          },
-    {"et",    "/event/topics"                                    },
-    {"ptzw",  "/ver20/ptz/wsdl"                                  },
-    {"mdw",   "/media/wsdl"                                      },
-    {"sto",   "/storage/wsdl"                                    },
-    {"adw",   "/addressing/wsdl"                                 },
-    {"wsdl",  "http://schemas.xmlsoap.org/wsdl/"                 },
-    {"wsdl",  "http://schemas.xmlsoap.org/wsdl"                  },
-    {"wsn",   "/wsn/b-2"                                         },
-    {"wsse",  "/oasis-200401-wss-wssecurity-secext-1.0.xsd"      },
-    {"wsu",   "/oasis-200401-wss-wssecurity-utility-1.0.xsd"     },
-    {"ter",   "www.onvif.org/ver10/error"                        },
+    {ENVELOPE, "/soap-envelope"                                   },
+    {"tds",    "/device/wsdl"                                     },
+    {"tt",     "www.onvif.org/ver10/schema"                       },
+    {"dis",    "/discovery"                                       },
+    {"ad",     "www.w3.org/2005/08/addressing"                    },
+    {"addis",  "schemas.xmlsoap.org/ws/2004/08/addressing"        },
+    {"nt",     "/network/wsdl"                                    },
+    {"http",   "/wsdl/http"                                       },
+    {"ana",    "/analytics/wsdl"                                  },
+    {"ew",     "/events/wsdl"                                     },
+    {"img",    "/imaging/wsdl"                                    },
+    {"dio",    "/deviceio/wsdl"                                   },
+    {"tp",     "/topics"                                          },
+    {"et",     "/event/topics"                                    },
+    {"ptzw",   "/ver20/ptz/wsdl"                                  },
+    {"mdw",    "/media/wsdl"                                      },
+    {"sto",    "/storage/wsdl"                                    },
+    {"adw",    "/addressing/wsdl"                                 },
+    {"wsdl",   "http://schemas.xmlsoap.org/wsdl/"                 },
+    {"wsdl",   "http://schemas.xmlsoap.org/wsdl"                  },
+    {"wsn",    "/wsn/b-2"                                         },
+    {"wsse",   "/oasis-200401-wss-wssecurity-secext-1.0.xsd"      },
+    {"wsu",    "/oasis-200401-wss-wssecurity-utility-1.0.xsd"     },
+    {"ter",    "www.onvif.org/ver10/error"                        },
 };
 // clang-format on
 

@@ -39,7 +39,7 @@ public:
     /// @return the number behind "trackID=" in the URL, -1 when it has none
     int GetTrackID() const;
 
-    /// Reads the Transport header into the six values below. The session reads it with RtspParseTransport instead,
+    /// Reads the Transport header into the six values below. The session reads it with parseTransportHeader instead,
     /// which also knows which channels are free.
     /// @return false without a Transport header, with a malformed port or channel pair, or without a mode
     bool ParseTransportHeader();

@@ -153,7 +153,7 @@ int Complete(unsigned int& nextChannel, RTSP_TRANSPORT& out)
 }
 } // namespace
 
-int RtspParseTransport(const char* text, unsigned int& nextChannel, RTSP_TRANSPORT& out)
+int parseTransportHeader(const char* text, unsigned int& nextChannel, RTSP_TRANSPORT& out)
 {
     out = RTSP_TRANSPORT();
     out.ttl = 255;
@@ -177,7 +177,7 @@ bool RtspAsksDynamicRate(const char* text)
     return strcasestr(text, "x-Dynamic-Rate: 1") != nullptr;
 }
 
-bool RtspLocalIpFromRequest(const char* text, std::string& host)
+bool GetLocalIPFromRequest(const char* text, std::string& host)
 {
     static const char SCHEME[] = "rtsp://";
     // Every other byte only: the URL of a SETUP stands at offset 6 and is found, that of a longer method may not be.
@@ -196,7 +196,7 @@ bool RtspLocalIpFromRequest(const char* text, std::string& host)
     return false;
 }
 
-int RtspParseRange(const char* text, double& start, double& end)
+int parseRangeHeader(const char* text, double& start, double& end)
 {
     start = 0;
     end = 0;
@@ -226,7 +226,7 @@ int RtspParseRange(const char* text, double& start, double& end)
     return 0;
 }
 
-bool RtspUrlField(const std::string& url, const char* name, std::string& value)
+bool GetURLFieldValue(const std::string& url, const char* name, std::string& value)
 {
     std::string fields = url;
     if (!fields.empty() && fields.back() == '/')

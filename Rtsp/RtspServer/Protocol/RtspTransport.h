@@ -29,7 +29,7 @@ struct RTSP_TRANSPORT
 /// and `mode` may be STREAMING_NONE.
 /// @param nextChannel  the session's next free channel; goes up by two when TCP is asked for without channels
 /// @return 0; -1 without the header, with a malformed number, without a mode, or for UDP with a port of 0
-int RtspParseTransport(const char* text, unsigned int& nextChannel, RTSP_TRANSPORT& out);
+int parseTransportHeader(const char* text, unsigned int& nextChannel, RTSP_TRANSPORT& out);
 
 /// Whether a message asks for the dynamic rate: "x-Dynamic-Rate: 1" anywhere, in any case of letters.
 bool RtspAsksDynamicRate(const char* text);
@@ -37,17 +37,17 @@ bool RtspAsksDynamicRate(const char* text);
 /// The host of the first "rtsp://" that begins at an even offset: the local address by which the client knows us.
 /// @param host  receives at most 127 characters
 /// @return false when there is none (a method of another length puts the URL at an odd offset)
-bool RtspLocalIpFromRequest(const char* text, std::string& host);
+bool GetLocalIPFromRequest(const char* text, std::string& host);
 
 /// Reads "Range: npt=start-end", seconds.
 /// @param end  0 when open
 /// @return 0, also when the header has no "npt"; -1 without a Range header or without a digit behind "npt="
-int RtspParseRange(const char* text, double& start, double& end);
+int parseRangeHeader(const char* text, double& start, double& end);
 
 /// Value of `name` in a URL such as "/3?date=2016-1-2&time=8:30:0": from the next "=" to the next "&" or the URL's end.
 /// A "/" at the URL's end does not count.
 /// @return false when the name or the "=" is missing
-bool RtspUrlField(const std::string& url, const char* name, std::string& value);
+bool GetURLFieldValue(const std::string& url, const char* name, std::string& value);
 
 /// The parameters of a Transport header one after another, cut at ";" and at the CR LF that ends it.
 class CRtspTransportParameters

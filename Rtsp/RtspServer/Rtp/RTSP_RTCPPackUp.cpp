@@ -22,14 +22,20 @@ constexpr unsigned char SDES_TYPE_CNAME = 1;
 // The interfaces are read from files; a client's report asks for them every seven seconds.
 constexpr unsigned int CNAME_LIFE_MS = 5000;
 
+struct RTCP_HEADER
+{
+    unsigned char count;
+    unsigned char type;
+    unsigned int length; ///< of the packet in 32-bit words, less one
+};
+
 // |V=2|P|  count  |     type      |  length in 32-bit words - 1   |   RFC 3550, 6.4.1
 // |                             SSRC                              |
-void WriteRtcpHeader(unsigned char* out, unsigned char count, unsigned char type, unsigned int length,
-                     unsigned int ssrc)
+void WriteRtcpHeader(unsigned char* out, const RTCP_HEADER& header, unsigned int ssrc)
 {
-    out[0] = static_cast<unsigned char>(0x80 | count); // version 2, no padding
-    out[1] = type;
-    PutBE16(out + 2, static_cast<std::uint16_t>(length));
+    out[0] = static_cast<unsigned char>(0x80 | header.count); // version 2, no padding
+    out[1] = header.type;
+    PutBE16(out + 2, static_cast<std::uint16_t>(header.length));
     PutBE32(out + 4, ssrc);
 }
 
@@ -86,7 +92,7 @@ int CRTSP_RTCPPackUp::MakeSenderReport(unsigned long rtpTimestamp, long long tim
                                        unsigned long octets)
 {
     unsigned char report[28];
-    WriteRtcpHeader(report, 0, RTCP_SENDER_REPORT, 6, m_ssrc);
+    WriteRtcpHeader(report, {0, RTCP_SENDER_REPORT, 6}, m_ssrc);
     PutBE32(report + 8, static_cast<std::uint32_t>(timeUs / 1000000) + NTP_OFFSET);
     // Clients get the microseconds as they are, not scaled to 2^32.
     PutBE32(report + 12, static_cast<std::uint32_t>(timeUs % 1000000));
@@ -107,7 +113,7 @@ int CRTSP_RTCPPackUp::MakeSourceDescription()
     const auto length = static_cast<unsigned int>(name.size());
 
     unsigned char start[10];
-    WriteRtcpHeader(start, 1, RTCP_SOURCE_DESCRIPTION, (length + 10) >> 2, m_ssrc);
+    WriteRtcpHeader(start, {1, RTCP_SOURCE_DESCRIPTION, (length + 10) >> 2}, m_ssrc);
     start[8] = SDES_TYPE_CNAME;
     start[9] = static_cast<unsigned char>(length);
     FillContent(start, sizeof(start), false);
@@ -121,7 +127,7 @@ int CRTSP_RTCPPackUp::MakeApplicationSpecific()
     static const unsigned char CONSTANTS[] = {'q',  't',  's',  'i',  0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
                                               0x00, 0x02, 0x3D, 0x4A, 0x00, 0x04, 0x00, 0x00, 0x00, 0x0E};
     unsigned char start[8];
-    WriteRtcpHeader(start, 1, RTCP_APPLICATION, 6, m_ssrc);
+    WriteRtcpHeader(start, {1, RTCP_APPLICATION, 6}, m_ssrc);
     FillContent(start, sizeof(start), false);
     FillContent(CONSTANTS, sizeof(CONSTANTS), false);
     return m_used;

@@ -20,7 +20,7 @@ constexpr unsigned char NAL_TYPE_BITS = 0x1F;
 
 constexpr unsigned int AUDIO_STEP = 320; // ticks: 40 ms at 8000 Hz
 
-struct RtpHeader
+struct RTP_HEADER_NO_CSRC
 {
     bool marker;
     unsigned char payload;
@@ -34,7 +34,7 @@ struct RtpHeader
 // |V=2|P|X|  CC   |M|     PT      |       sequence number         |
 // |                           timestamp                           |
 // |                             SSRC                              |
-void WriteRtpHeader(unsigned char* out, const RtpHeader& header)
+void WriteRtpHeader(unsigned char* out, const RTP_HEADER_NO_CSRC& header)
 {
     out[0] = 0x80; // version 2; no padding, no extension, no CSRC
     out[1] = static_cast<unsigned char>((header.marker ? 0x80 : 0) | header.payload);

@@ -97,6 +97,8 @@ private:
     };
     struct COMMAND;
     static const COMMAND COMMANDS[];
+    static constexpr const char* m_pAllowedCommandNames =
+        "OPTIONS, DESCRIBE, SETUP, TEARDOWN, PLAY, GET_PARAMETER, SET_PARAMETER";
 
     int ServeMessage(char* msg, int len, int headerEnd);
     int ServeHttp(const std::string& method);
@@ -105,15 +107,14 @@ private:
     bool IsProbeAnswer(const char* text) const;
     bool AuthenticationOK(const std::string& method, unsigned int cseq, const char* request);
     void CreateNonce();
-    void Challenge(bool basic, unsigned int cseq);
     const char* GetSetupSessionID();
 
-    ANSWER_NOW OnOptions(REQUEST& request);
-    ANSWER_NOW OnDescribe(REQUEST& request);
-    ANSWER_NOW OnSetup(REQUEST& request);
-    ANSWER_NOW OnPlay(REQUEST& request);
-    ANSWER_NOW OnTeardown(REQUEST& request);
-    ANSWER_NOW OnGetParameter(REQUEST& request);
+    ANSWER_NOW handleCmd_OPTIONS(REQUEST& request);
+    ANSWER_NOW handleCmd_DESCRIBE(REQUEST& request);
+    ANSWER_NOW handleCmd_SETUP(REQUEST& request);
+    ANSWER_NOW handleCmd_PLAY(REQUEST& request);
+    ANSWER_NOW handleCmd_TEARDOWN(REQUEST& request);
+    ANSWER_NOW handleCmd_GET_PARAMETER(REQUEST& request);
 
     void handleCmd_bad(unsigned int cseq);
     void handleCmd_notSupported(unsigned int cseq);
@@ -124,7 +125,6 @@ private:
 
     bool OpenDescribed(const std::string& url);
     bool OpenPlayback(const std::string& url, const char* userText);
-    void AnswerDescribe(const std::string& sdp);
     bool TryDescribe();
     int EndDescribeWait();
 

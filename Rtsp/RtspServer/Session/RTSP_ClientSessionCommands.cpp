@@ -24,7 +24,6 @@
 namespace
 {
 
-constexpr const char* ALLOWED_COMMANDS = "OPTIONS, DESCRIBE, SETUP, TEARDOWN, PLAY, GET_PARAMETER, SET_PARAMETER";
 constexpr const char* PROBE_REFUSED = "RTSP/1.0 501";
 
 /// The server word of this one answer is a number; clients see it so.
@@ -75,13 +74,13 @@ struct CRTSP_ClientSession::COMMAND
 
 // clang-format off
 const CRTSP_ClientSession::COMMAND CRTSP_ClientSession::COMMANDS[] = {
-    {"OPTIONS",       false, &CRTSP_ClientSession::OnOptions},
-    {"DESCRIBE",      true,  &CRTSP_ClientSession::OnDescribe},
-    {"SETUP",         true,  &CRTSP_ClientSession::OnSetup},
-    {"PLAY",          true,  &CRTSP_ClientSession::OnPlay},
-    {"TEARDOWN",      true,  &CRTSP_ClientSession::OnTeardown},
-    {"GET_PARAMETER", true,  &CRTSP_ClientSession::OnGetParameter},
-    {"SET_PARAMETER", true,  &CRTSP_ClientSession::OnGetParameter},
+    {"OPTIONS",       false, &CRTSP_ClientSession::handleCmd_OPTIONS},
+    {"DESCRIBE",      true,  &CRTSP_ClientSession::handleCmd_DESCRIBE},
+    {"SETUP",         true,  &CRTSP_ClientSession::handleCmd_SETUP},
+    {"PLAY",          true,  &CRTSP_ClientSession::handleCmd_PLAY},
+    {"TEARDOWN",      true,  &CRTSP_ClientSession::handleCmd_TEARDOWN},
+    {"GET_PARAMETER", true,  &CRTSP_ClientSession::handleCmd_GET_PARAMETER},
+    {"SET_PARAMETER", true,  &CRTSP_ClientSession::handleCmd_GET_PARAMETER},
 };
 // clang-format on
 
@@ -252,13 +251,13 @@ void CRTSP_ClientSession::Answer(unsigned int cseq, const char* format, ...)
 void CRTSP_ClientSession::handleCmd_bad(unsigned int cseq)
 {
     Answer(cseq, "RTSP/1.0 400 Bad Request\r\nServer: %s\r\nCSeq: %u\r\n%sAllow: %s\r\n\r\n", RTSP_SERVER_NAME, cseq,
-           DateHeader().c_str(), ALLOWED_COMMANDS);
+           DateHeader().c_str(), m_pAllowedCommandNames);
 }
 
 void CRTSP_ClientSession::handleCmd_notSupported(unsigned int cseq)
 {
     Answer(cseq, "RTSP/1.0 405 Method Not Allowed\r\nServer: %s\r\nCSeq: %u\r\n%sAllow: %s\r\n\r\n", RTSP_SERVER_NAME,
-           cseq, DateHeader().c_str(), ALLOWED_COMMANDS);
+           cseq, DateHeader().c_str(), m_pAllowedCommandNames);
 }
 
 void CRTSP_ClientSession::handleCmd_incorrectFormat(unsigned int cseq)
@@ -289,14 +288,14 @@ void CRTSP_ClientSession::handleCmd_unsupportedTransport(unsigned int cseq)
     m_alive = false;
 }
 
-CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::OnOptions(REQUEST& request)
+CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::handleCmd_OPTIONS(REQUEST& request)
 {
     Answer(request.cseq, "RTSP/1.0 200 OK\r\nServer: %s\r\nCSeq: %u\r\nPublic: %s\r\n\r\n", RTSP_SERVER_NAME,
-           request.cseq, ALLOWED_COMMANDS);
+           request.cseq, m_pAllowedCommandNames);
     return ANSWER_READY;
 }
 
-CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::OnDescribe(REQUEST& request)
+CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::handleCmd_DESCRIBE(REQUEST& request)
 {
     if (!OpenDescribed(request.url))
     {
@@ -354,9 +353,9 @@ bool CRTSP_ClientSession::OpenPlayback(const std::string& url, const char* userT
     std::string dateText;
     std::string timeText;
     std::string lengthText;
-    RtspUrlField(url, "date", dateText);
-    RtspUrlField(url, "time", timeText);
-    RtspUrlField(url, "timelen", lengthText);
+    GetURLFieldValue(url, "date", dateText);
+    GetURLFieldValue(url, "time", timeText);
+    GetURLFieldValue(url, "timelen", lengthText);
     NETNS::DEV_DATE date{};
     NETNS::DEV_TIME time{};
     if (!ReadDate(dateText, date) || !ReadTime(timeText, time))
@@ -420,12 +419,12 @@ int CRTSP_ClientSession::EndDescribeWait()
     return HANDLER_PROGRESS;
 }
 
-CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::OnSetup(REQUEST& request)
+CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::handleCmd_SETUP(REQUEST& request)
 {
     return handleCmd_SETUP(&request.protocol) == 1 ? ANSWER_LATER : ANSWER_READY;
 }
 
-CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::OnPlay(REQUEST& request)
+CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::handleCmd_PLAY(REQUEST& request)
 {
     if (m_state != STATE_READY)
     {
@@ -459,7 +458,7 @@ CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::OnPlay(REQUEST& request)
     return ANSWER_READY;
 }
 
-CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::OnTeardown(REQUEST& request)
+CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::handleCmd_TEARDOWN(REQUEST& request)
 {
     RTSP_ConsoleLine("rtsp teardown, sock = %d\n", m_sock);
     if (m_state == STATE_INIT)
@@ -479,7 +478,7 @@ CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::OnTeardown(REQUEST& request
     return ANSWER_READY;
 }
 
-CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::OnGetParameter(REQUEST& request)
+CRTSP_ClientSession::ANSWER_NOW CRTSP_ClientSession::handleCmd_GET_PARAMETER(REQUEST& request)
 {
     if (m_state == STATE_INIT)
         handleCmd_notFound(request.cseq);

@@ -52,7 +52,7 @@ int CRTSP_ClientSession::handleCmd_SETUP(CRtspProtocol* protocol)
     else if (m_dynamicRate == DYNAMIC_RATE_NONE && RtspAsksDynamicRate(text))
         m_dynamicRate = DYNAMIC_RATE_ASKED;
     RTSP_TRANSPORT transport{};
-    if (RtspParseTransport(text, m_nextChannel, transport) != 0)
+    if (parseTransportHeader(text, m_nextChannel, transport) != 0)
     {
         handleCmd_unsupportedTransport(cseq);
         return -1;
@@ -64,7 +64,7 @@ int CRTSP_ClientSession::handleCmd_SETUP(CRtspProtocol* protocol)
     }
     double start = 0;
     double end = 0;
-    RtspParseRange(text, start, end); // accepted and not used: every PLAY begins at the present
+    parseRangeHeader(text, start, end); // accepted and not used: every PLAY begins at the present
     if (transport.mode == STREAMING_NONE)
     {
         handleCmd_unsupportedTransport(cseq);
@@ -100,7 +100,7 @@ bool CRTSP_ClientSession::SetUpTrack(const RTSP_STREAM_CFG& config, const RTSP_T
 std::string CRTSP_ClientSession::SourceAddress(const char* request) const
 {
     std::string host;
-    if (RtspLocalIpFromRequest(request, host))
+    if (GetLocalIPFromRequest(request, host))
         return host;
     char address[16];
     GetSockName(address, nullptr);

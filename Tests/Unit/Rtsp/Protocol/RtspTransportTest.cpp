@@ -12,7 +12,7 @@ struct Transport
     explicit Transport(const std::string& value, unsigned int first = 0) : nextChannel(first)
     {
         const std::string text = "SETUP rtsp://a/trackID=0 RTSP/1.0\r\nCSeq: 1\r\nTransport: " + value + "\r\n\r\n";
-        result = RtspParseTransport(text.c_str(), nextChannel, out);
+        result = parseTransportHeader(text.c_str(), nextChannel, out);
     }
 
     unsigned int nextChannel;
@@ -61,10 +61,10 @@ TEST(RtspTransport, TcpWithoutChannelsTakesTheNextTwo)
     unsigned int nextChannel = 0;
     RTSP_TRANSPORT out;
     const char* text = "Transport: RTP/AVP/TCP;unicast\r\n";
-    EXPECT_EQ(0, RtspParseTransport(text, nextChannel, out));
+    EXPECT_EQ(0, parseTransportHeader(text, nextChannel, out));
     EXPECT_EQ(0u, out.chn1);
     EXPECT_EQ(1u, out.chn2);
-    EXPECT_EQ(0, RtspParseTransport(text, nextChannel, out));
+    EXPECT_EQ(0, parseTransportHeader(text, nextChannel, out));
     EXPECT_EQ(2u, out.chn1);
     EXPECT_EQ(3u, out.chn2);
     EXPECT_EQ(4u, nextChannel);
@@ -182,15 +182,15 @@ TEST(RtspTransport, MessageWithoutTheHeaderIsRefused)
 {
     unsigned int nextChannel = 0;
     RTSP_TRANSPORT out;
-    EXPECT_EQ(-1, RtspParseTransport("SETUP a RTSP/1.0\r\nCSeq: 1\r\n\r\n", nextChannel, out));
-    EXPECT_EQ(-1, RtspParseTransport("", nextChannel, out));
+    EXPECT_EQ(-1, parseTransportHeader("SETUP a RTSP/1.0\r\nCSeq: 1\r\n\r\n", nextChannel, out));
+    EXPECT_EQ(-1, parseTransportHeader("", nextChannel, out));
 }
 
 TEST(RtspTransport, HeaderNameIsFoundInAnyCase)
 {
     unsigned int nextChannel = 0;
     RTSP_TRANSPORT out;
-    EXPECT_EQ(0, RtspParseTransport("tRANSPORT: RTP/AVP/TCP\r\n", nextChannel, out));
+    EXPECT_EQ(0, parseTransportHeader("tRANSPORT: RTP/AVP/TCP\r\n", nextChannel, out));
     EXPECT_EQ(STREAMING_TCP, out.mode);
 }
 
@@ -199,21 +199,21 @@ TEST(RtspTransport, ValueRightBehindTheColonLosesItsFirstLetter)
 {
     unsigned int nextChannel = 0;
     RTSP_TRANSPORT out;
-    EXPECT_EQ(-1, RtspParseTransport("Transport:RTP/AVP/TCP\r\n", nextChannel, out));
-    EXPECT_EQ(0, RtspParseTransport("Transport:XRTP/AVP/TCP\r\n", nextChannel, out));
+    EXPECT_EQ(-1, parseTransportHeader("Transport:RTP/AVP/TCP\r\n", nextChannel, out));
+    EXPECT_EQ(0, parseTransportHeader("Transport:XRTP/AVP/TCP\r\n", nextChannel, out));
 }
 
 TEST(RtspTransport, TextThatEndsInsideTheHeaderGivesWhatWasGathered)
 {
     unsigned int nextChannel = 0;
     RTSP_TRANSPORT out;
-    EXPECT_EQ(0, RtspParseTransport("Transport: RTP/AVP;unicast;client_port=5000-50", nextChannel, out));
+    EXPECT_EQ(0, parseTransportHeader("Transport: RTP/AVP;unicast;client_port=5000-50", nextChannel, out));
     EXPECT_EQ(STREAMING_UDP, out.mode);
     EXPECT_EQ(0, out.port1);
 
-    EXPECT_EQ(0, RtspParseTransport("Transport:", nextChannel, out));
+    EXPECT_EQ(0, parseTransportHeader("Transport:", nextChannel, out));
     EXPECT_EQ(STREAMING_NONE, out.mode);
-    EXPECT_EQ(0, RtspParseTransport("Transport: ", nextChannel, out));
+    EXPECT_EQ(0, parseTransportHeader("Transport: ", nextChannel, out));
     EXPECT_EQ(STREAMING_NONE, out.mode);
     EXPECT_EQ(0u, nextChannel);
 }
@@ -222,7 +222,7 @@ TEST(RtspTransport, ALineFeedAloneDoesNotEndTheHeader)
 {
     unsigned int nextChannel = 0;
     RTSP_TRANSPORT out;
-    EXPECT_EQ(0, RtspParseTransport("Transport: RTP/AVP/TCP\n\n", nextChannel, out));
+    EXPECT_EQ(0, parseTransportHeader("Transport: RTP/AVP/TCP\n\n", nextChannel, out));
     EXPECT_EQ(STREAMING_NONE, out.mode);
 }
 
@@ -260,7 +260,7 @@ TEST(RtspTransport, DynamicRateIsFoundInAnyCaseAnywhere)
 TEST(RtspTransport, LocalIpIsFoundBehindASetup)
 {
     std::string host;
-    EXPECT_TRUE(RtspLocalIpFromRequest("SETUP rtsp://10.0.0.1:554/live RTSP/1.0\r\n", host));
+    EXPECT_TRUE(GetLocalIPFromRequest("SETUP rtsp://10.0.0.1:554/live RTSP/1.0\r\n", host));
     EXPECT_EQ("10.0.0.1", host);
 }
 
@@ -268,8 +268,8 @@ TEST(RtspTransport, LocalIpIsFoundBehindASetup)
 TEST(RtspTransport, LocalIpAtAnOddOffsetIsNotFound)
 {
     std::string host;
-    EXPECT_FALSE(RtspLocalIpFromRequest("PLAY rtsp://10.0.0.1/live RTSP/1.0\r\n", host));
-    EXPECT_TRUE(RtspLocalIpFromRequest("PLAY  rtsp://10.0.0.1/live RTSP/1.0\r\n", host));
+    EXPECT_FALSE(GetLocalIPFromRequest("PLAY rtsp://10.0.0.1/live RTSP/1.0\r\n", host));
+    EXPECT_TRUE(GetLocalIPFromRequest("PLAY  rtsp://10.0.0.1/live RTSP/1.0\r\n", host));
 }
 
 struct HostCase
@@ -288,7 +288,7 @@ TEST(RtspTransport, LocalIpEndsAtColonSlashBlankOrLineEnd)
     for (const HostCase& row : HOST_CASES)
     {
         std::string host = "unset";
-        EXPECT_TRUE(RtspLocalIpFromRequest(row.text, host)) << row.text;
+        EXPECT_TRUE(GetLocalIPFromRequest(row.text, host)) << row.text;
         EXPECT_EQ(row.host, host) << row.text;
     }
 }
@@ -296,16 +296,16 @@ TEST(RtspTransport, LocalIpEndsAtColonSlashBlankOrLineEnd)
 TEST(RtspTransport, LocalIpIsMissing)
 {
     std::string host;
-    EXPECT_FALSE(RtspLocalIpFromRequest("", host));
-    EXPECT_FALSE(RtspLocalIpFromRequest("r", host));
-    EXPECT_FALSE(RtspLocalIpFromRequest("OPTIONS * RTSP/1.0\r\n\r\n", host));
-    EXPECT_FALSE(RtspLocalIpFromRequest("rtsp:/", host));
+    EXPECT_FALSE(GetLocalIPFromRequest("", host));
+    EXPECT_FALSE(GetLocalIPFromRequest("r", host));
+    EXPECT_FALSE(GetLocalIPFromRequest("OPTIONS * RTSP/1.0\r\n\r\n", host));
+    EXPECT_FALSE(GetLocalIPFromRequest("rtsp:/", host));
 }
 
 TEST(RtspTransport, LocalIpIsCutAt127Characters)
 {
     std::string host;
-    EXPECT_TRUE(RtspLocalIpFromRequest(("rtsp://" + std::string(128, 'h') + "/").c_str(), host));
+    EXPECT_TRUE(GetLocalIPFromRequest(("rtsp://" + std::string(128, 'h') + "/").c_str(), host));
     EXPECT_EQ(std::string(127, 'h'), host);
 }
 
@@ -337,7 +337,7 @@ TEST(RtspTransport, RangeIsReadInSeconds)
     {
         double start = -1;
         double end = -1;
-        EXPECT_EQ(row.result, RtspParseRange(row.text, start, end)) << row.text;
+        EXPECT_EQ(row.result, parseRangeHeader(row.text, start, end)) << row.text;
         EXPECT_DOUBLE_EQ(row.start, start) << row.text;
         EXPECT_DOUBLE_EQ(row.end, end) << row.text;
     }
@@ -368,7 +368,7 @@ TEST(RtspTransport, UrlFieldIsBoundedByEqualsAndAmpersand)
     for (const FieldCase& row : FIELD_CASES)
     {
         std::string value;
-        EXPECT_EQ(row.found, RtspUrlField(row.url, row.name, value)) << row.url << " " << row.name;
+        EXPECT_EQ(row.found, GetURLFieldValue(row.url, row.name, value)) << row.url << " " << row.name;
         EXPECT_EQ(row.value, value) << row.url << " " << row.name;
     }
 }
