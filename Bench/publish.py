@@ -95,9 +95,9 @@ def machine_rows(bench):
     commit = subprocess.run(["git", "rev-parse", "--short", "HEAD"], cwd=ROOT, stdout=subprocess.PIPE, text=True)
     compiler = subprocess.run(["g++", "--version"], stdout=subprocess.PIPE, text=True).stdout.splitlines()[0]
     yield from (["day", time.strftime("%Y-%m-%d")], ["commit", commit.stdout.strip() or "unknown"],
-                ["processor", f"{cpu}, {os.cpu_count()} cores"], ["kernel", platform.release()],
+                ["processor", f"{cpu}, {os.cpu_count()} cores"], ["kernel", platform.release().split("-")[0]],
                 ["compiler", compiler], ["seconds a load", made_with["seconds"]],
-                ["load average at the begin", made_with["load_average"]])
+                ["load average at the start", made_with["load_average"]])
 
 
 def main(bench=ROOT / "build" / "bench", data=ROOT / "docs" / "performance"):

@@ -136,7 +136,7 @@ SMALL=$OUT/video-64k.h264
 make_file "$VIDEO" 1280x720 4M 40
 make_file "$SMALL" 320x180 64k 0
 
-echo "running (about five minutes):" >&2
+echo "running (about seven minutes):" >&2
 start_host "$VIDEO"
 for transport in tcp udp; do
     for clients in 1 16 64 128; do

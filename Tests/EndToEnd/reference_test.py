@@ -139,7 +139,7 @@ class Figures(unittest.TestCase):
             self.assertEqual(set(tables.COLUMNS), {path.stem for path in pathlib.Path(data).glob("*.tsv")})
             self.assertIn("GetDeviceInfo\t12.5\t31.0\t1650.0\n", pathlib.Path(data, "commands.tsv").read_text())
             self.assertIn("Pack/FU-A\t50.0\n", pathlib.Path(data, "packetiser.tsv").read_text())
-            self.assertIn("load average at the begin\t0.25\n", pathlib.Path(data, "machine.tsv").read_text())
+            self.assertIn("load average at the start\t0.25\n", pathlib.Path(data, "machine.tsv").read_text())
             self.assertIn("tcp\t128\t", pathlib.Path(data, "packets.tsv").read_text())
             for name, columns in tables.COLUMNS.items():
                 head = pathlib.Path(data, name + ".tsv").read_text().splitlines()[0].split("\t")
