@@ -51,17 +51,26 @@ void CPlayback::Stop()
 
 void CPlayback::Run()
 {
-    // Opened in front of the wait: a recording that is removed from then on plays to its end.
-    CRecordedFrames frames(m_index, m_fromUs, m_toUs);
-    RecordedFrame frame;
-    const NextFrame first = frames.Next(frame);
-    if (first == NextFrame::Ready && Wait(0))
+    CRecordedFrames early(m_index, m_fromUs, m_toUs);
+    RecordedFrame first;
+    const bool isThere = early.Next(first) == NextFrame::Ready;
+    if (isThere && Wait(0))
     {
-        Describe(frame);
+        Describe(first);
     }
     if (Wait(START_DELAY_US))
     {
-        Play(frames, frame, first);
+        CRecordedFrames frames(m_index, m_fromUs, m_toUs);
+        RecordedFrame frame;
+        const NextFrame next = frames.Next(frame);
+        if (next == NextFrame::End && isThere)
+        {
+            Play(early, first, NextFrame::Ready); // it was removed meanwhile; the open file plays on
+        }
+        else
+        {
+            Play(frames, frame, next);
+        }
     }
     m_ended = true;
 }
