@@ -100,6 +100,13 @@ async function showSnapshot(image) {
   URL.revokeObjectURL(address);
 }
 
+// The next snapshot for a view that may be left meanwhile: then nobody hears of a failure.
+const showSnapshotWhile = (isShown, image) => showSnapshot(image).catch(problem => {
+  if (isShown()) {
+    throw problem;
+  }
+});
+
 function say(text, isProblem) {
   byId("status").textContent = text;
   byId("status").className = isProblem ? "problem" : "";

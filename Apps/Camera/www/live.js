@@ -20,7 +20,7 @@ const liveView = {
     const run = liveView.run = {};
     byId("live-pause").textContent = "Pause";
     while (liveView.run === run) {
-      if (!await act(() => showSnapshot(byId("live-picture")))) {
+      if (!await act(() => showSnapshotWhile(() => liveView.run === run, byId("live-picture")))) {
         await new Promise(done => setTimeout(done, 2000));
       }
       liveView.count();

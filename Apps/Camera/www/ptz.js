@@ -30,7 +30,8 @@ const ptzView = {
   },
 
   async play(run) {
-    while (ptzView.run === run && await act(() => showSnapshot(byId("ptz-picture")))) {
+    const isShown = () => ptzView.run === run;
+    while (isShown() && await act(() => showSnapshotWhile(isShown, byId("ptz-picture")))) {
     }
   },
 
