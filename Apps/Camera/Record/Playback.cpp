@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <iterator>
+#include <limits>
 #include <system_error>
 #include <utility>
 
@@ -14,6 +15,8 @@ namespace
 constexpr std::int64_t SECOND_US = 1000000;
 constexpr std::int64_t START_DELAY_US = SECOND_US;
 constexpr std::int64_t RECORDING_POLL_US = 200000;
+constexpr std::int64_t DESCRIBE_LIMIT_US = 3 * SECOND_US; // a client waits for its description for four
+constexpr std::int64_t NO_LIMIT = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t LARGEST_WAIT_US = 2 * SECOND_US; // a gap in the recordings is not waited for
 constexpr std::size_t MAX_PLAYBACKS = 16;
 constexpr int FRAMES_TO_FIND_SOUND = 200;
@@ -51,36 +54,28 @@ void CPlayback::Stop()
 
 void CPlayback::Run()
 {
-    CRecordedFrames early(m_index, m_fromUs, m_toUs);
-    RecordedFrame first;
-    const bool isThere = early.Next(first) == NextFrame::Ready;
-    if (isThere && Wait(0))
+    const std::int64_t describeUntilUs = NowUs() + DESCRIBE_LIMIT_US;
+    CRecordedFrames frames(m_index, m_fromUs, m_toUs);
+    RecordedFrame frame;
+    if (AwaitNext(frames, frame, describeUntilUs))
     {
-        Describe(first);
-    }
-    if (Wait(START_DELAY_US))
-    {
-        CRecordedFrames frames(m_index, m_fromUs, m_toUs);
-        RecordedFrame frame;
-        const NextFrame next = frames.Next(frame);
-        if (next == NextFrame::End && isThere)
+        Describe(frame, describeUntilUs);
+        bool going = Wait(START_DELAY_US);
+        while (going && AwaitTurn(frame))
         {
-            Play(early, first, NextFrame::Ready); // it was removed meanwhile; the open file plays on
-        }
-        else
-        {
-            Play(frames, frame, next);
+            Feed(frame);
+            going = AwaitNext(frames, frame, NO_LIMIT);
         }
     }
     m_ended = true;
 }
 
 /// Sound first: the description is made as soon as there is a picture.
-void CPlayback::Describe(const RecordedFrame& picture)
+void CPlayback::Describe(const RecordedFrame& picture, std::int64_t untilUs)
 {
     CRecordedFrames frames(m_index, m_fromUs, m_toUs);
     RecordedFrame frame;
-    for (int count = 0; count <= FRAMES_TO_FIND_SOUND && frames.Next(frame) == NextFrame::Ready; ++count)
+    for (int count = 0; count <= FRAMES_TO_FIND_SOUND && AwaitNext(frames, frame, untilUs); ++count)
     {
         if (frame.kind == RecordedKind::Audio)
         {
@@ -91,24 +86,15 @@ void CPlayback::Describe(const RecordedFrame& picture)
     Feed(picture);
 }
 
-/// @param next  what `frames` has given first
-void CPlayback::Play(CRecordedFrames& frames, RecordedFrame& frame, NextFrame next)
+/// Waits while the next frame may still be recorded. @return false when there is none, or the playback shall end
+bool CPlayback::AwaitNext(CRecordedFrames& frames, RecordedFrame& frame, std::int64_t untilUs)
 {
-    for (;; next = frames.Next(frame))
+    NextFrame next = frames.Next(frame);
+    while (next == NextFrame::NotYet && NowUs() < untilUs && Wait(RECORDING_POLL_US))
     {
-        if (next == NextFrame::End || (next == NextFrame::NotYet && !Wait(RECORDING_POLL_US)))
-        {
-            return;
-        }
-        if (next == NextFrame::Ready)
-        {
-            if (!AwaitTurn(frame))
-            {
-                return;
-            }
-            Feed(frame);
-        }
+        next = frames.Next(frame);
     }
+    return next == NextFrame::Ready;
 }
 
 /// Waits until the frame is due, and moves its time so that gaps vanish. @return false when the playback shall end
@@ -192,6 +178,21 @@ void CPlaybacks::CloseAll()
     const std::lock_guard<std::mutex> guard(m_lock);
     ending.swap(m_playbacks);
     ended.swap(m_retired);
+}
+
+unsigned int CPlaybacks::NextHandle()
+{
+    const std::lock_guard<std::mutex> guard(m_lock);
+    return m_nextHandle;
+}
+
+void CPlaybacks::CloseBefore(unsigned int nextHandle)
+{
+    const std::lock_guard<std::mutex> guard(m_lock);
+    while (!m_playbacks.empty() && m_playbacks.begin()->first < nextHandle)
+    {
+        Retire(m_playbacks.begin());
+    }
 }
 
 void CPlaybacks::Sweep()

@@ -22,7 +22,8 @@ using PlaybackFeed = std::function<void(unsigned int handle, const RecordedFrame
 ///
 /// The library describes a stream by its first frames and tells nobody when the client begins to play. So the first
 /// picture and sound are fed at once, for the description, and all frames again, from the first one on, a second
-/// later: by then a client has set up its tracks, also over a long way.
+/// later: by then a client has set up its tracks, also over a long way. A recording that is removed from the
+/// description on plays to its end.
 class CPlayback
 {
 public:
@@ -37,8 +38,8 @@ public:
 
 private:
     void Run();
-    void Describe(const RecordedFrame& picture);
-    void Play(CRecordedFrames& frames, RecordedFrame& frame, NextFrame next);
+    void Describe(const RecordedFrame& picture, std::int64_t untilUs);
+    bool AwaitNext(CRecordedFrames& frames, RecordedFrame& frame, std::int64_t untilUs);
     bool AwaitTurn(RecordedFrame& frame);
     void Feed(const RecordedFrame& frame);
     bool Wait(std::int64_t us);
@@ -75,6 +76,11 @@ public:
     /// Nothing is fed any more once it returns.
     void Close(unsigned int handle);
     void CloseAll();
+
+    /// Above the handles of all playbacks that were opened up to now.
+    unsigned int NextHandle();
+    /// Closes those that were opened before NextHandle gave this.
+    void CloseBefore(unsigned int nextHandle);
 
     /// Frees what was closed or has come to its end. Called several times a second.
     void Sweep();

@@ -1,5 +1,9 @@
 #include "RecordedFrames.h"
 
+#include "RecordTime.h"
+
+#include <utility>
+
 CRecordedFrames::CRecordedFrames(CRecordIndex& index, std::int64_t fromUs, std::int64_t toUs)
     : m_index(index), m_fromUs(fromUs), m_toUs(toUs)
 {
@@ -7,8 +11,16 @@ CRecordedFrames::CRecordedFrames(CRecordIndex& index, std::int64_t fromUs, std::
 
 NextFrame CRecordedFrames::Next(RecordedFrame& frame)
 {
-    while (m_reader.has_value() || OpenNextSegment())
+    while (true)
     {
+        if (!m_reader.has_value())
+        {
+            const NextFrame next = OpenNextSegment();
+            if (next != NextFrame::Ready)
+            {
+                return next;
+            }
+        }
         // Asked in front of the read: what is complete now has all its frames on disk.
         const bool growing = m_index.IsGrowing(m_segment);
         if (m_reader->Next(frame))
@@ -21,10 +33,10 @@ NextFrame CRecordedFrames::Next(RecordedFrame& frame)
         }
         m_reader.reset();
     }
-    return NextFrame::End;
 }
 
-bool CRecordedFrames::OpenNextSegment()
+/// @return whether there is one; NotYet as long as one may still be recorded
+NextFrame CRecordedFrames::OpenNextSegment()
 {
     for (const RecordSegment& segment : m_index.Find(m_fromUs, m_toUs))
     {
@@ -32,14 +44,20 @@ bool CRecordedFrames::OpenNextSegment()
         {
             continue;
         }
+        const bool growing = m_index.IsGrowing(segment.id); // asked in front of the read
+        CSegmentReader reader;
         const std::int64_t wantedUs = m_segment == 0 ? m_fromUs : 0; // the first segment is entered in its middle
-        m_segment = segment.id;
-        m_reader.emplace();
-        if (m_reader->Open(segment.path) && m_reader->SeekKeyFrame(wantedUs))
+        if (reader.Open(segment.path) && reader.SeekKeyFrame(wantedUs))
         {
-            return true;
+            m_segment = segment.id;
+            m_reader = std::move(reader);
+            return NextFrame::Ready;
         }
-        m_reader.reset();
+        if (growing)
+        {
+            return NextFrame::NotYet; // its first key frame is on the way to the disk
+        }
+        m_segment = segment.id;
     }
-    return false;
+    return WallClockUs() < m_toUs ? NextFrame::NotYet : NextFrame::End;
 }

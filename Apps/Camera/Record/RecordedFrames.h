@@ -12,7 +12,7 @@
 enum class NextFrame
 {
     Ready,
-    NotYet, ///< it is still being recorded
+    NotYet, ///< it may still be recorded
     End,
 };
 
@@ -26,7 +26,7 @@ public:
     NextFrame Next(RecordedFrame& frame);
 
 private:
-    bool OpenNextSegment();
+    NextFrame OpenNextSegment();
 
     CRecordIndex& m_index;
     const std::int64_t m_fromUs;

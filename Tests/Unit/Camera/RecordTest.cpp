@@ -1,4 +1,5 @@
 // Recordings: their files, their index, the recorder and the playback.
+#include "FedFrames.h"
 #include "Playback.h"
 #include "RecordTime.h"
 #include "RecordedFrames.h"
@@ -258,6 +259,35 @@ TEST_F(Recordings, WhatIsStillBeingRecordedMayComeLater)
     EXPECT_EQ(NextFrame::End, frames.Next(frame));
 }
 
+// A reader at the live edge comes to the end of a segment before the next one has a picture on disk.
+TEST_F(Recordings, TheNextSegmentMayComeLater)
+{
+    const std::int64_t now = WallClockUs();
+    RecordSegment segment = m_index.Begin(now);
+    CSegmentWriter writer;
+    CRecordedFrames frames(m_index, now, now + 3600 * SECOND);
+    RecordedFrame frame;
+    EXPECT_EQ(NextFrame::NotYet, frames.Next(frame)); // its file is not there yet
+    ASSERT_TRUE(writer.Open(segment.path));
+    ASSERT_TRUE(writer.Write(Video(now, true)));
+    EXPECT_EQ(NextFrame::NotYet, frames.Next(frame)); // nor its picture
+    segment.bytes = writer.Bytes();
+    writer.Close();
+    m_index.End(segment);
+    ASSERT_EQ(NextFrame::Ready, frames.Next(frame));
+    EXPECT_EQ(NextFrame::NotYet, frames.Next(frame)); // nor the next segment
+    RecordSegment second = m_index.Begin(now + SECOND);
+    EXPECT_EQ(NextFrame::NotYet, frames.Next(frame));
+    ASSERT_TRUE(writer.Open(second.path));
+    ASSERT_TRUE(writer.Write(Video(now + SECOND, true)));
+    second.bytes = writer.Bytes();
+    writer.Close();
+    m_index.End(second);
+    ASSERT_EQ(NextFrame::Ready, frames.Next(frame));
+    EXPECT_EQ(now + SECOND, frame.timeUs);
+    EXPECT_EQ(NextFrame::NotYet, frames.Next(frame));
+}
+
 TEST_F(Recordings, SectionsJoinSegmentsWithoutAGap)
 {
     Record(0, 4);
@@ -384,43 +414,6 @@ TEST_F(Recordings, TheRecorderMakesRoomForTheNewest)
     EXPECT_EQ(8, found.front().id);
 }
 
-namespace
-{
-
-/// Keeps what is fed until the test has seen it.
-class CFedFrames
-{
-public:
-    PlaybackFeed Feed()
-    {
-        return [this](unsigned int handle, const RecordedFrame& frame)
-        {
-            const std::lock_guard<std::mutex> guard(m_lock);
-            m_frames.emplace_back(handle, frame);
-            m_wake.notify_all();
-        };
-    }
-
-    bool Await(std::size_t count)
-    {
-        std::unique_lock<std::mutex> guard(m_lock);
-        return m_wake.wait_for(guard, std::chrono::seconds(30), [&] { return m_frames.size() >= count; });
-    }
-
-    std::vector<std::pair<unsigned int, RecordedFrame>> Frames()
-    {
-        const std::lock_guard<std::mutex> guard(m_lock);
-        return m_frames;
-    }
-
-private:
-    std::mutex m_lock;
-    std::condition_variable m_wake;
-    std::vector<std::pair<unsigned int, RecordedFrame>> m_frames;
-};
-
-} // namespace
-
 TEST_F(Recordings, APlaybackFeedsTheDescriptionFirstAndThenEverythingInOrder)
 {
     RecordSegment segment = m_index.Begin(BASE);
@@ -468,6 +461,47 @@ TEST_F(Recordings, APlaybackGoesOnWhenItsRecordingIsRemoved)
     EXPECT_TRUE(fed.Await(2 + 2));
 }
 
+// A camera that has just been started has its first pictures, and a little later its first sound, on disk.
+TEST_F(Recordings, APlaybackAwaitsTheFirstPictureAndItsSound)
+{
+    Record(0, 1);
+    const std::int64_t now = WallClockUs();
+    CFedFrames fed;
+    CPlaybacks playbacks(m_index, fed.Feed());
+    const unsigned int early = playbacks.Open(now, 3600);
+    // By the time that one is described which is opened later, the early one has looked at the recordings too.
+    const auto letItLook = [&]
+    {
+        EXPECT_TRUE(fed.AwaitOf(playbacks.Open(BASE, 10), 2));
+    };
+    letItLook();
+    RecordSegment segment = m_index.Begin(now);
+    CSegmentWriter writer;
+    ASSERT_TRUE(writer.Open(segment.path));
+    ASSERT_TRUE(writer.Write(Video(now, true)));
+    ASSERT_TRUE(writer.Write(Video(now + 1, true))); // puts the first one on disk
+    m_index.Grow(segment);
+    letItLook();
+    EXPECT_EQ(0U, fed.CountOf(early));
+    ASSERT_TRUE(writer.Write(Sound(now + 2)));
+    segment.endUs = now + 2;
+    segment.bytes = writer.Bytes();
+    writer.Close();
+    m_index.End(segment);
+    ASSERT_TRUE(fed.AwaitOf(early, 2 + 3));
+    std::vector<RecordedKind> kinds;
+    for (const auto& [handle, frame] : fed.Frames())
+    {
+        if (handle == early)
+        {
+            kinds.push_back(frame.kind);
+        }
+    }
+    constexpr RecordedKind PICTURE = RecordedKind::Video;
+    constexpr RecordedKind SOUND = RecordedKind::Audio;
+    EXPECT_EQ((std::vector<RecordedKind>{SOUND, PICTURE, PICTURE, PICTURE, SOUND}), kinds);
+}
+
 TEST_F(Recordings, APlaybackLeavesGapsOut)
 {
     Record(0, 1);
@@ -491,6 +525,22 @@ TEST_F(Recordings, APlaybackThatIsClosedFeedsNothingMore)
     const std::size_t count = fed.Frames().size();
     playbacks.Close(handle);
     EXPECT_EQ(count, fed.Frames().size());
+}
+
+TEST_F(Recordings, PlaybacksAreClosedThatWereOpenedBeforeAHandle)
+{
+    Record(0, 10);
+    CFedFrames fed;
+    CPlaybacks playbacks(m_index, fed.Feed());
+    const unsigned int gone = playbacks.Open(BASE, 60);
+    const unsigned int next = playbacks.NextHandle();
+    EXPECT_GT(next, gone);
+    const unsigned int playing = playbacks.Open(BASE, 60);
+    EXPECT_GE(playing, next);
+    playbacks.CloseBefore(next);
+    const std::size_t count = fed.CountOf(gone);
+    ASSERT_TRUE(fed.AwaitOf(playing, 4)); // the other one would have fed as many
+    EXPECT_EQ(count, fed.CountOf(gone));
 }
 
 // It is closed on the thread that serves all RTSP clients.
