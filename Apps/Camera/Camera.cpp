@@ -208,6 +208,8 @@ void CCamera::BuildDevice()
     m_streams =
         std::make_unique<CCameraStreams>(m_options.channels, CCameraStreams::Parts{m_users, m_playbacks, *m_talk},
                                          m_options.rtspAuth, [this](int stream) { OnOpen(stream); });
+    m_clients =
+        std::make_unique<CClientWatch>(*m_streams, m_playbacks, [this] { return CountConnections(m_ports.rtspPort); });
 }
 
 /// HTTP workers, one at a time, under the device's lock.

@@ -8,6 +8,7 @@
 #include "CameraDevice.h"
 #include "CameraStreams.h"
 #include "CameraUsers.h"
+#include "ClientWatch.h"
 #include "FrameFork.h"
 #include "LiveFeed.h"
 #include "MediaPipeline.h"
@@ -97,6 +98,7 @@ private:
     CFrameFork m_feedAndRecorder{m_feed, m_recorder};
     std::unique_ptr<CTalkSink> m_talk;
     std::unique_ptr<CCameraStreams> m_streams;
+    std::unique_ptr<CClientWatch> m_clients;
 
     // The library's threads ask for key frames and change settings while the main thread replaces the pipeline, which
     // takes both locks. A change of settings, which may set up an encoder anew, holds the first one alone: the RTSP
@@ -114,7 +116,6 @@ private:
     std::optional<Clock::time_point> m_restartMediaAt;
     Clock::time_point m_nextClientWatch{};
     bool m_readyPrinted = false;
-    bool m_connected = true; // whether the last look found a client
 
     std::unique_ptr<CCameraDevice> m_device; // last: it uses all of the above
 };

@@ -2,7 +2,6 @@
 #include "Camera.h"
 
 #include "CameraLog.h"
-#include "LocalPorts.h"
 #include "RecordTime.h"
 #include "SlowNotice.h"
 
@@ -116,16 +115,11 @@ void CCamera::WatchClients()
     if (Clock::now() >= m_nextClientWatch)
     {
         m_nextClientWatch = Clock::now() + CLIENT_WATCH;
-        const bool connected = CountConnections(m_ports.rtspPort) > 0;
-        if (!connected && !m_connected)
-        {
-            m_streams->ForgetAll(); // clients that left without a word: every player holds a connection
-            m_playbacks.CloseAll();
-        }
-        m_connected = connected;
+        m_clients->Look();
     }
     // A client may play without asking for the description on the same connection; it is not known which stream.
-    const bool unknownUse = m_connected && !m_streams->IsOpen(MAIN_STREAM) && !m_streams->IsOpen(SUB_STREAM);
+    const bool unknownUse =
+        m_clients->IsConnected() && !m_streams->IsOpen(MAIN_STREAM) && !m_streams->IsOpen(SUB_STREAM);
     const std::lock_guard<std::mutex> guard(m_mediaLock);
     for (const int stream : {MAIN_STREAM, SUB_STREAM})
     {

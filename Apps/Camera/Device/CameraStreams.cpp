@@ -45,6 +45,7 @@ unsigned int CCameraStreams::OpenLiveStream(const char* userInfoXml, unsigned in
     {
         const std::lock_guard<std::mutex> guard(m_lock);
         ++m_uses[slot];
+        ++m_opens;
     }
     m_onOpen(stream);
     return FIRST_HANDLE + slot;
@@ -133,4 +134,19 @@ void CCameraStreams::ForgetAll()
 {
     const std::lock_guard<std::mutex> guard(m_lock);
     std::fill(m_uses.begin(), m_uses.end(), 0);
+}
+
+std::uint64_t CCameraStreams::Opens() const
+{
+    const std::lock_guard<std::mutex> guard(m_lock);
+    return m_opens;
+}
+
+void CCameraStreams::ForgetUnlessOpenedSince(std::uint64_t opens)
+{
+    const std::lock_guard<std::mutex> guard(m_lock);
+    if (m_opens == opens)
+    {
+        std::fill(m_uses.begin(), m_uses.end(), 0);
+    }
 }

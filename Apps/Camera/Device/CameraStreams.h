@@ -26,7 +26,7 @@ std::string LivePath(unsigned int channel, int stream);
 /// Counts the use of each live stream.
 ///
 /// The library opens a stream for each DESCRIBE and closes it for a TEARDOWN only: a client that merely disconnects
-/// leaves its count behind. Whoever knows that no client is connected any more says so with ForgetAll.
+/// leaves its count behind. Whoever knows that such clients are gone says so.
 class CCameraStreams : public CDefaultStreams
 {
 public:
@@ -55,6 +55,12 @@ public:
     bool IsOpen(int stream) const;
     void ForgetAll();
 
+    /// How many live streams clients have ever opened.
+    std::uint64_t Opens() const;
+    /// Forgets all, for clients that are gone. Does nothing when a stream was opened since `opens` was asked for: one
+    /// count tells nobody whose it is.
+    void ForgetUnlessOpenedSince(std::uint64_t opens);
+
 private:
     bool MayOpen(const char* userInfoXml) const;
 
@@ -65,6 +71,7 @@ private:
 
     mutable std::mutex m_lock;
     std::vector<std::uint64_t> m_uses; // by channel, then by stream
+    std::uint64_t m_opens = 0;
 
     unsigned int m_talkers = 0; // scheduler thread, as what follows
     std::vector<std::int16_t> m_speech;
