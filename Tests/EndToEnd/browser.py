@@ -12,6 +12,10 @@ LIMIT = 30  # seconds for one step
 START_LIMIT = 60
 
 
+class Navigated(AssertionError):
+    """The page was replaced while it was asked something."""
+
+
 class Browser:
     """One page of a browser with a profile of its own."""
 
@@ -71,7 +75,9 @@ class Browser:
             answer = self._receive(end, method)
             if answer.get("id") == self.number:
                 if "error" in answer:
-                    raise AssertionError("%s: %s" % (method, answer["error"]["message"]))
+                    problem = answer["error"]["message"]
+                    kind = Navigated if "navigated" in problem or "context" in problem else AssertionError
+                    raise kind("%s: %s" % (method, problem))
                 return answer["result"]
             self._notice(answer)
 
@@ -98,6 +104,12 @@ class Browser:
     def open(self, url):
         self.command("Page.navigate", url=url)
 
+    def reload(self):
+        """Loads the page anew and waits until its view is there."""
+        self.run("window.isOld = true")
+        self.command("Page.reload")
+        self.wait("!window.isOld && document.body.dataset.loaded")
+
     def run(self, script):
         """The value of an expression in the page."""
         result = self.command("Runtime.evaluate", expression=script, awaitPromise=True, returnByValue=True)
@@ -106,11 +118,14 @@ class Browser:
         return result["result"].get("value")
 
     def wait(self, script, limit=LIMIT):
-        """Waits until an expression is true."""
+        """Waits until an expression is true, also while one page replaces another."""
         end = time.monotonic() + limit
         while time.monotonic() < end:
-            if self.run("(() => { try { return !!(%s); } catch { return false; } })()" % script):
-                return  # a page that is just being replaced has no body
+            try:
+                if self.run("(() => { try { return !!(%s); } catch { return false; } })()" % script):
+                    return  # a page that is just being replaced has no body
+            except Navigated:
+                pass
             time.sleep(0.05)
         raise AssertionError("never true: %s\nstatus: %s" % (script, self.run(
             "document.getElementById('status')?.textContent")))

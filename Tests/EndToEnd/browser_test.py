@@ -77,12 +77,35 @@ class Page(unittest.TestCase):
             self.browser.run("pictures.most = 0")
             self.pictures(5)
             self.assertEqual(1, self.browser.run("pictures.most"), view)
-        self.browser.run("location.reload()")
-        self.browser.wait("!window.pictures && document.body.dataset.loaded")
+        self.browser.reload()
 
     def pictures(self, count):
         begun = self.browser.run("pictures.begun")
         self.browser.wait("pictures.begun >= %d" % (begun + count))
+
+    def test_a_picture_that_fails_is_told_of_only_while_its_view_is_shown(self):
+        for view in ("live", "ptz"):
+            self.browser.view("system")
+            self.browser.run("""(() => {
+                const fetched = window.fetch;
+                window.held = [];
+                window.fetch = (...request) => String(request[0]).includes("GetSnapshot")
+                    ? new Promise(done => held.push(() => done(new Response("", {status: 503}))))
+                    : fetched(...request);
+            })()""")
+            fail = "held.splice(0).forEach(fail => fail())"
+            status = "document.getElementById('status').textContent"
+            self.browser.view(view)
+            self.browser.wait("held.length === 1")
+            self.browser.view("system")
+            self.browser.run("say('as before'); %s" % fail)
+            self.browser.run("new Promise(done => setTimeout(done))")  # behind all that follows from the failure
+            self.assertEqual("as before", self.browser.run(status), view)
+            self.browser.view(view)
+            self.browser.wait("held.length === 1")
+            self.browser.run(fail)
+            self.browser.wait("%s === 'The camera gives no picture.'" % status)
+            self.browser.reload()
 
     def test_brightness_is_seen_in_the_next_snapshot(self):
         self.browser.view("image")
@@ -276,7 +299,7 @@ class Login(unittest.TestCase):
             self.fill(browser, "admin", "admin")
             browser.wait("document.body.dataset.loaded === 'live'")
             self.assertTrue(browser.run("document.getElementById('login').hidden"))
-            browser.command("Page.reload")
+            browser.reload()
             browser.wait("document.body.dataset.loaded === 'live' && document.getElementById('login').hidden")
 
     def fill(self, browser, user, password):
