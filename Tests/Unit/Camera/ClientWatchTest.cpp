@@ -55,6 +55,17 @@ protected:
         return m_fed.AwaitOf(other, DESCRIPTION + 4) && m_fed.CountOf(playback) == count;
     }
 
+    void OpenAndLeave()
+    {
+        OpenLive(MAIN_STREAM);
+        const unsigned int playback = OpenPlayback();
+        m_watch.Look();
+        EXPECT_TRUE(m_streams.IsOpen(MAIN_STREAM));
+        m_watch.Look();
+        EXPECT_FALSE(m_streams.IsOpen(MAIN_STREAM));
+        EXPECT_TRUE(IsClosed(playback));
+    }
+
     static constexpr std::size_t DESCRIPTION = 2; // frames that are fed at once
 
     const CTempDirectory m_directory;
@@ -89,15 +100,9 @@ TEST_F(ClientWatch, TellsWhetherTheLastLookFoundAClient)
     EXPECT_TRUE(m_watch.IsConnected());
 }
 
-TEST_F(ClientWatch, ClosesWhatWasOpenBeforeTwoLooksWithoutAClient)
+TEST_F(ClientWatch, ClosesWhatWasOpenedBeforeTwoLooksWithoutAClient)
 {
-    OpenLive(MAIN_STREAM);
-    const unsigned int playback = OpenPlayback();
-    m_watch.Look();
-    EXPECT_TRUE(m_streams.IsOpen(MAIN_STREAM));
-    m_watch.Look();
-    EXPECT_FALSE(m_streams.IsOpen(MAIN_STREAM));
-    EXPECT_TRUE(IsClosed(playback));
+    OpenAndLeave();
 }
 
 TEST_F(ClientWatch, KeepsWhatIsOpenWhileAClientIsConnected)
@@ -128,14 +133,8 @@ TEST_F(ClientWatch, KeepsWhatAClientOpensThatConnectsDuringTheLook)
     EXPECT_TRUE(Plays(playback));
 }
 
-TEST_F(ClientWatch, WhatWasOpenedBetweenTwoLooksIsClosedByTheThird)
+TEST_F(ClientWatch, WhatWasOpenedBetweenTwoSuchLooksIsClosedByTheThird)
 {
     m_watch.Look();
-    OpenLive(MAIN_STREAM);
-    const unsigned int playback = OpenPlayback();
-    m_watch.Look();
-    EXPECT_TRUE(m_streams.IsOpen(MAIN_STREAM));
-    m_watch.Look();
-    EXPECT_FALSE(m_streams.IsOpen(MAIN_STREAM));
-    EXPECT_TRUE(IsClosed(playback));
+    OpenAndLeave();
 }
