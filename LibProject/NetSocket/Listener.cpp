@@ -47,6 +47,8 @@ bool IsPeersFailure(int error)
     }
 }
 
+thread_local bool isListenersThread = false;
+
 CFileDescriptor AcceptNow(int fd, sockaddr_in& peer)
 {
     socklen_t size = sizeof(peer);
@@ -112,6 +114,7 @@ bool CListener::StartThread()
     }
     static_cast<void>(reference.release()); // the new thread's
     m_threads.push_back(thread);
+    ++m_serving;
     ++m_spares;
     return true;
 }
@@ -122,6 +125,7 @@ void CListener::Run(void* listener)
     const std::shared_ptr<CListener> self = std::move(*reference);
     reference.reset();
     SHARESDK_LetOthersFinish(); // a callback that has begun ends before the next connection is taken
+    isListenersThread = true;
     self->Serve();
 }
 
@@ -143,11 +147,27 @@ void CListener::Stop()
     m_socket.Close();
 }
 
+void CListener::AwaitThreads()
+{
+    std::unique_lock<std::mutex> lock(m_lock);
+    m_idle.wait(lock, [this] { return m_serving == 0; });
+}
+
+bool CListener::IsOwnThread()
+{
+    return isListenersThread;
+}
+
 void CListener::Serve()
 {
     while (AwaitLead())
     {
         Lead();
+    }
+    std::lock_guard<std::mutex> lock(m_lock);
+    if (--m_serving == 0)
+    {
+        m_idle.notify_all();
     }
 }
 

@@ -37,8 +37,13 @@ public:
     CListener(const CListener&) = delete;
     CListener& operator=(const CListener&) = delete;
 
-    /// Closes the port. When it returns no callback runs, except one that called it. Called once.
+    /// Closes the port. When it returns no callback runs, except one that called it, or waits for the thread that did.
+    /// Called once.
     void Stop();
+    /// Waits for those callbacks too. Behind Stop; not on a listener's thread, which others may wait for.
+    void AwaitThreads();
+    /// Whether the caller is a thread of any listener.
+    static bool IsOwnThread();
     unsigned short Port() const { return m_port; }
     const CListenSocketObserver* Observer() const { return m_observer; }
     std::size_t Threads();
@@ -84,7 +89,9 @@ private:
     std::mutex m_lock;
     std::condition_variable m_room;     // there is a place, or the listener stops
     std::condition_variable m_forSpare; // the lead is free, a callback is to be watched, or the listener stops
+    std::condition_variable m_idle;     // no thread serves any more
     std::vector<unsigned int> m_threads;
+    int m_serving = 0;           // threads that have not ended, also those that nobody can join
     int m_places = 0;            // open connections, and one for the thread in accept
     int m_spares = 0;            // threads without the lead and without a callback
     bool m_hasLeader = false;    // a thread accepts, or runs a callback and will accept again

@@ -48,13 +48,15 @@ public:
 /// @return false when its threads or descriptors could not be had
 bool NET_SOCKET_Initial(const char* reserved);
 
-/// Ends the service: every listener, thread and connection. Waiting calls of other threads are woken and fail. A later
-/// NET_SOCKET_Initial starts afresh. Not to be called from an observer.
+/// Ends the service: every listener, thread and connection. Waiting calls of other threads are woken and fail. When it
+/// returns no callback of any listener runs, also of those that were stopped before. A later NET_SOCKET_Initial starts
+/// afresh. Not to be called from an observer.
 void NET_SOCKET_Quit();
 
 /// Opens a listener.
 /// @param port          local port, host order; 0 lets the system choose (see NET_SOCKET_GetListenPort)
-/// @param observer      borrowed until NET_SOCKET_StopListen has returned
+/// @param observer      borrowed until NET_SOCKET_StopListen or NET_SOCKET_Quit has returned and none of its callbacks
+///                      runs
 /// @param localAddress  network order; 0 is any
 /// @param reuseAddress  SO_REUSEADDR
 /// @return false when the port cannot be had, or this service listens on it already
@@ -62,7 +64,8 @@ bool NET_SOCKET_StartListen(unsigned short port, CListenSocketObserver* observer
                             bool reuseAddress);
 
 /// Closes the listener of a port. When it returns, no callback of that listener runs any more, except one on whose
-/// thread it was called. Accepted connections stay.
+/// thread it was called, or one that itself waits in NET_SOCKET_StopListen for the calling thread: such a callback uses
+/// its observer until it returns. Accepted connections stay.
 /// @param port  host order
 /// @return false when the port has no listener
 bool NET_SOCKET_StopListen(unsigned short port);

@@ -1,6 +1,7 @@
 // SocketService.cpp: life cycle, listeners and connections of the service.
 #include "SocketService.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -48,6 +49,7 @@ void CSocketService::Quit()
     m_running = false;
     m_quitting = true;
     const auto listeners = std::exchange(m_listeners, {});
+    const auto stopped = std::exchange(m_stopped, {});
     const std::shared_ptr<CEventLoop> loop = m_loop;
     m_quit->Give();
     lock.unlock();
@@ -58,6 +60,7 @@ void CSocketService::Quit()
     {
         listener.second->Stop();
     }
+    AwaitThreads(stopped);
     CutAllConnections(); // those that were accepted meanwhile
     loop->FinishLingering(deadlineMs);
     loop->Stop();
@@ -67,6 +70,23 @@ void CSocketService::Quit()
     m_quit = nullptr;
     m_quitting = false;
     m_quitDone.notify_all();
+}
+
+/// Waits for listeners that were stopped without waiting for all of their callbacks.
+void CSocketService::AwaitThreads(const std::vector<std::weak_ptr<CListener>>& stopped)
+{
+    if (CListener::IsOwnThread())
+    {
+        return; // one of them may wait for this one
+    }
+    for (const auto& entry : stopped)
+    {
+        const std::shared_ptr<CListener> listener = entry.lock();
+        if (listener != nullptr)
+        {
+            listener->AwaitThreads();
+        }
+    }
 }
 
 void CSocketService::CutAllConnections()
@@ -104,6 +124,12 @@ bool CSocketService::StopListen(unsigned short port)
     }
     const std::shared_ptr<CListener> listener = found->second;
     m_listeners.erase(found);
+    const auto hasGone = [](const std::weak_ptr<CListener>& stopped)
+    {
+        return stopped.expired();
+    };
+    m_stopped.erase(std::remove_if(m_stopped.begin(), m_stopped.end(), hasGone), m_stopped.end());
+    m_stopped.push_back(listener);
     lock.unlock();
     listener->Stop();
     return true;

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 class CSocketService
 {
@@ -17,8 +18,9 @@ public:
 
     /// @return false when threads or descriptors could not be had; true also when it runs already
     bool Initial();
-    /// Order: connections end, and waiting calls with them; listeners end, with their callbacks; connections that
-    /// linger get a second at most; the event thread ends.
+    /// Order: connections end, and waiting calls with them; listeners end, with their callbacks, also those that were
+    /// stopped by their own callback or are about to be; connections that linger get a second at most; the event thread
+    /// ends.
     void Quit();
 
     bool StartListen(unsigned short port, CListenSocketObserver* observer, unsigned int localAddress,
@@ -40,6 +42,7 @@ public:
 private:
     CSocketService() = default;
     void CutAllConnections();
+    static void AwaitThreads(const std::vector<std::weak_ptr<CListener>>& stopped);
 
     CConnectionTable m_table;
 
@@ -50,4 +53,5 @@ private:
     std::shared_ptr<CQuitSignal> m_quit;
     std::shared_ptr<CEventLoop> m_loop; // also while quitting
     std::map<unsigned short, std::shared_ptr<CListener>> m_listeners;
+    std::vector<std::weak_ptr<CListener>> m_stopped; // a callback of them may run still
 };

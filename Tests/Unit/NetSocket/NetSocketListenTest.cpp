@@ -225,48 +225,69 @@ TEST_F(NetSocketListen, StopWaitsForARunningCallback)
     EXPECT_EQ(waiting.m_entered, leftWhenStopped);
 }
 
-/// Stops a port from within its callback.
+/// Stops a port from within its callback, which goes on behind that.
 class StoppingObserver : public CListenSocketObserver
 {
 public:
     void OnAcceptCreateSocket(int, unsigned short port, unsigned int) override
     {
+        ++m_entered;
         m_result = NET_SOCKET_StopListen(m_other != 0 ? m_other : port);
         m_done.Open();
+        if (m_staysUntilQuit)
+        {
+            EXPECT_TRUE(Eventually([] { return NET_SOCKET_AddConnect(0, "", 0) == 0; }));
+        }
+        ++m_left;
     }
 
     unsigned short m_other = 0;
+    bool m_staysUntilQuit = false;
     std::atomic<bool> m_result{false};
+    std::atomic<int> m_entered{0};
+    std::atomic<int> m_left{0};
     Gate m_done;
 };
 
 TEST_F(NetSocketListen, CallbackMayStopItsOwnPort)
 {
-    const auto observer = std::make_unique<StoppingObserver>();
+    StoppingObserver observer;
     AcceptQueue queue;
     const QuitAtEnd quit;
-    const unsigned short port = Listen(*observer);
+    const unsigned short port = Listen(observer);
     TcpPeer peer = TcpPeer::Connect(port);
-    observer->m_done.Await();
-    EXPECT_TRUE(observer->m_result);
+    observer.m_done.Await();
+    EXPECT_TRUE(observer.m_result);
     EXPECT_FALSE(TcpPeer::Connect(port).IsOpen());
     EXPECT_TRUE(NET_SOCKET_StartListen(port, &queue, 0, true));
+}
+
+TEST_F(NetSocketListen, QuitWaitsForACallbackThatStoppedItsOwnPort)
+{
+    StoppingObserver observer;
+    observer.m_staysUntilQuit = true;
+    TcpPeer peer = TcpPeer::Connect(Listen(observer));
+    observer.m_done.Await();
+    NET_SOCKET_Quit();
+    EXPECT_EQ(1, observer.m_left);
 }
 
 TEST_F(NetSocketListen, CallbacksOfTwoPortsMayStopEachOther)
 {
     StoppingObserver first;
     StoppingObserver second;
-    const QuitAtEnd quit;
-    const unsigned short firstPort = Listen(first);
-    const unsigned short secondPort = Listen(second);
-    first.m_other = secondPort;
-    second.m_other = firstPort;
-    TcpPeer onFirst = TcpPeer::Connect(firstPort);
-    TcpPeer onSecond = TcpPeer::Connect(secondPort);
+    first.m_staysUntilQuit = true;
+    second.m_staysUntilQuit = true;
+    first.m_other = Listen(second);
+    second.m_other = Listen(first);
+    TcpPeer onFirst = TcpPeer::Connect(second.m_other);
+    TcpPeer onSecond = TcpPeer::Connect(first.m_other);
     // Whichever runs first may end the other before its callback begins: at least one stop succeeds.
     EXPECT_TRUE(Eventually([&] { return first.m_done.IsOpen() || second.m_done.IsOpen(); }));
+    NET_SOCKET_Quit();
     EXPECT_TRUE(first.m_result || second.m_result);
+    EXPECT_EQ(first.m_entered, first.m_left);
+    EXPECT_EQ(second.m_entered, second.m_left);
 }
 
 #ifndef __SANITIZE_ADDRESS__ // the sanitizer opens a pipe to check a pointer, and takes a failure for a bad pointer
