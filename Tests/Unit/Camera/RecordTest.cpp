@@ -1,93 +1,39 @@
-// Recordings: their files, their index, the recorder and the playback.
-#include "FedFrames.h"
-#include "Playback.h"
+// Recordings: their files, their index and the recorder.
 #include "RecordTime.h"
 #include "RecordedFrames.h"
 #include "Recorder.h"
-#include "TempDirectory.h"
+#include "RecordingFiles.h"
 
 #include <gtest/gtest.h>
 
-#include <condition_variable>
 #include <filesystem>
-#include <set>
 
-#include <fcntl.h>
 #include <sqlite3.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 using namespace NETNS;
 
 namespace
 {
 
-constexpr std::int64_t SECOND = 1000000;
-constexpr std::int64_t BASE = 1700000000 * SECOND;
 constexpr std::size_t HEADER = 16;
 
-RecordedFrame Video(std::int64_t timeUs, bool keyFrame, const std::string& payload = "picture")
-{
-    return {RecordedKind::Video, keyFrame, timeUs, {payload.begin(), payload.end()}};
-}
-
-RecordedFrame Sound(std::int64_t timeUs)
-{
-    return {RecordedKind::Audio, false, timeUs, {1, 2, 3}};
-}
-
-/// The times of frames, in seconds behind BASE.
-class Recordings : public ::testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        std::string problem;
-        ASSERT_TRUE(m_index.Open(m_directory.Path(), problem)) << problem;
-    }
-
-    /// A key frame, pictures every second and one sound behind the first picture.
-    RecordSegment Record(std::int64_t startSeconds, int pictures, int keyEvery = 4)
-    {
-        RecordSegment segment = m_index.Begin(BASE + startSeconds * SECOND);
-        CSegmentWriter writer;
-        EXPECT_TRUE(writer.Open(segment.path));
-        for (int count = 0; count < pictures; ++count)
-        {
-            const std::int64_t timeUs = segment.startUs + count * SECOND;
-            EXPECT_TRUE(writer.Write(Video(timeUs, count % keyEvery == 0)));
-            if (count == 0)
-            {
-                EXPECT_TRUE(writer.Write(Sound(timeUs + 1)));
-            }
-            segment.endUs = timeUs;
-        }
-        segment.bytes = writer.Bytes();
-        writer.Close();
-        m_index.End(segment);
-        return segment;
-    }
-
-    std::vector<int> PictureTimes(std::int64_t fromSeconds, std::int64_t toSeconds)
-    {
-        CRecordedFrames frames(m_index, BASE + fromSeconds * SECOND, BASE + toSeconds * SECOND);
-        std::vector<int> times;
-        RecordedFrame frame;
-        while (frames.Next(frame) == NextFrame::Ready)
-        {
-            if (frame.kind == RecordedKind::Video)
-            {
-                times.push_back(static_cast<int>((frame.timeUs - BASE) / SECOND));
-            }
-        }
-        return times;
-    }
-
-    const CTempDirectory m_directory;
-    CRecordIndex m_index;
-};
-
+/// Times of pictures, in seconds behind BASE.
 using Times = std::vector<int>;
+
+Times PictureTimes(CRecordIndex& index, std::int64_t fromSeconds, std::int64_t toSeconds)
+{
+    CRecordedFrames frames(index, BASE + fromSeconds * SECOND, BASE + toSeconds * SECOND);
+    Times times;
+    RecordedFrame frame;
+    while (frames.Next(frame) == NextFrame::Ready)
+    {
+        if (frame.kind == RecordedKind::Video)
+        {
+            times.push_back(static_cast<int>((frame.timeUs - BASE) / SECOND));
+        }
+    }
+    return times;
+}
 
 } // namespace
 
@@ -213,10 +159,10 @@ TEST(SegmentFile, FindsTheKeyFrameAtOrBeforeATime)
 TEST_F(Recordings, PlayFromTheKeyFrameInFrontOfTheTimeToItsEnd)
 {
     Record(0, 10);
-    EXPECT_EQ((Times{4, 5, 6, 7}), PictureTimes(6, 8));
-    EXPECT_EQ((Times{0, 1}), PictureTimes(0, 2));
-    EXPECT_EQ((Times{8, 9}), PictureTimes(9, 100));
-    EXPECT_EQ(Times{}, PictureTimes(20, 30));
+    EXPECT_EQ((Times{4, 5, 6, 7}), PictureTimes(m_index, 6, 8));
+    EXPECT_EQ((Times{0, 1}), PictureTimes(m_index, 0, 2));
+    EXPECT_EQ((Times{8, 9}), PictureTimes(m_index, 9, 100));
+    EXPECT_EQ(Times{}, PictureTimes(m_index, 20, 30));
 }
 
 TEST_F(Recordings, GoOnFromSegmentToSegmentAndOverGaps)
@@ -224,8 +170,8 @@ TEST_F(Recordings, GoOnFromSegmentToSegmentAndOverGaps)
     Record(0, 4);
     Record(4, 4);
     Record(100, 2);
-    EXPECT_EQ((Times{0, 1, 2, 3, 4, 5, 6, 7, 100, 101}), PictureTimes(1, 200));
-    EXPECT_EQ((Times{100, 101}), PictureTimes(50, 200));
+    EXPECT_EQ((Times{0, 1, 2, 3, 4, 5, 6, 7, 100, 101}), PictureTimes(m_index, 1, 200));
+    EXPECT_EQ((Times{100, 101}), PictureTimes(m_index, 50, 200));
 }
 
 TEST_F(Recordings, AMissingFileIsPassedBy)
@@ -233,7 +179,7 @@ TEST_F(Recordings, AMissingFileIsPassedBy)
     const RecordSegment lost = Record(0, 4);
     Record(4, 4);
     std::filesystem::remove(lost.path);
-    EXPECT_EQ((Times{4, 5, 6, 7}), PictureTimes(0, 200));
+    EXPECT_EQ((Times{4, 5, 6, 7}), PictureTimes(m_index, 0, 200));
 }
 
 TEST_F(Recordings, WhatIsStillBeingRecordedMayComeLater)
@@ -412,173 +358,6 @@ TEST_F(Recordings, TheRecorderMakesRoomForTheNewest)
     ASSERT_EQ(3U, found.size());
     EXPECT_EQ(10, found.back().id);
     EXPECT_EQ(8, found.front().id);
-}
-
-TEST_F(Recordings, APlaybackFeedsTheDescriptionFirstAndThenEverythingInOrder)
-{
-    RecordSegment segment = m_index.Begin(BASE);
-    CSegmentWriter writer;
-    ASSERT_TRUE(writer.Open(segment.path));
-    for (int count = 0; count < 5; ++count)
-    {
-        ASSERT_TRUE(writer.Write(Video(BASE + count * 20000, count == 0)));
-        ASSERT_TRUE(writer.Write(Sound(BASE + count * 20000 + 1)));
-    }
-    segment.endUs = BASE + 100000;
-    segment.bytes = writer.Bytes();
-    writer.Close();
-    m_index.End(segment);
-    CFedFrames fed;
-    CPlaybacks playbacks(m_index, fed.Feed());
-    const std::uint64_t before = SteadyClockUs();
-    const unsigned int handle = playbacks.Open(BASE, 10);
-    ASSERT_TRUE(fed.Await(2 + 10));
-    // Clients need the first second to set up their tracks; the pictures are 80 ms long.
-    EXPECT_GE(SteadyClockUs() - before, 1080000U);
-    const auto frames = fed.Frames();
-    EXPECT_EQ(handle, frames[0].first);
-    EXPECT_EQ(RecordedKind::Audio, frames[0].second.kind);
-    EXPECT_TRUE(frames[1].second.keyFrame);
-    EXPECT_TRUE(frames[2].second.keyFrame);
-    EXPECT_EQ(BASE, frames[2].second.timeUs);
-    for (std::size_t index = 3; index < frames.size(); ++index)
-    {
-        EXPECT_GT(frames[index].second.timeUs, frames[index - 1].second.timeUs);
-    }
-    playbacks.Close(handle);
-}
-
-// The oldest recordings go while clients watch them.
-TEST_F(Recordings, APlaybackGoesOnWhenItsRecordingIsRemoved)
-{
-    Record(0, 1);
-    CFedFrames fed;
-    CPlaybacks playbacks(m_index, fed.Feed());
-    playbacks.Open(BASE, 10);
-    ASSERT_TRUE(fed.Await(2)); // it is described now, and plays a second later
-    ASSERT_TRUE(m_index.RemoveOldest());
-    EXPECT_TRUE(m_index.Find(0, BASE + 10 * SECOND).empty());
-    EXPECT_TRUE(fed.Await(2 + 2));
-}
-
-// A camera that has just been started has its first pictures, and a little later its first sound, on disk.
-TEST_F(Recordings, APlaybackAwaitsTheFirstPictureAndItsSound)
-{
-    Record(0, 1);
-    const std::int64_t now = WallClockUs();
-    CFedFrames fed;
-    CPlaybacks playbacks(m_index, fed.Feed());
-    const unsigned int early = playbacks.Open(now, 3600);
-    // By the time that one is described which is opened later, the early one has looked at the recordings too.
-    const auto letItLook = [&]
-    {
-        EXPECT_TRUE(fed.AwaitOf(playbacks.Open(BASE, 10), 2));
-    };
-    letItLook();
-    RecordSegment segment = m_index.Begin(now);
-    CSegmentWriter writer;
-    ASSERT_TRUE(writer.Open(segment.path));
-    ASSERT_TRUE(writer.Write(Video(now, true)));
-    ASSERT_TRUE(writer.Write(Video(now + 1, true))); // puts the first one on disk
-    m_index.Grow(segment);
-    letItLook();
-    EXPECT_EQ(0U, fed.CountOf(early));
-    ASSERT_TRUE(writer.Write(Sound(now + 2)));
-    segment.endUs = now + 2;
-    segment.bytes = writer.Bytes();
-    writer.Close();
-    m_index.End(segment);
-    ASSERT_TRUE(fed.AwaitOf(early, 2 + 3));
-    std::vector<RecordedKind> kinds;
-    for (const auto& [handle, frame] : fed.Frames())
-    {
-        if (handle == early)
-        {
-            kinds.push_back(frame.kind);
-        }
-    }
-    constexpr RecordedKind PICTURE = RecordedKind::Video;
-    constexpr RecordedKind SOUND = RecordedKind::Audio;
-    EXPECT_EQ((std::vector<RecordedKind>{SOUND, PICTURE, PICTURE, PICTURE, SOUND}), kinds);
-}
-
-TEST_F(Recordings, APlaybackLeavesGapsOut)
-{
-    Record(0, 1);
-    Record(3600, 1);
-    CFedFrames fed;
-    CPlaybacks playbacks(m_index, fed.Feed());
-    playbacks.Open(BASE, 7200);
-    ASSERT_TRUE(fed.Await(2 + 4)); // an hour does not pass
-    const auto frames = fed.Frames();
-    EXPECT_LE(frames[4].second.timeUs - frames[3].second.timeUs, 2 * SECOND);
-}
-
-TEST_F(Recordings, APlaybackThatIsClosedFeedsNothingMore)
-{
-    Record(0, 10);
-    CFedFrames fed;
-    CPlaybacks playbacks(m_index, fed.Feed());
-    const unsigned int handle = playbacks.Open(BASE, 60);
-    ASSERT_TRUE(fed.Await(2));
-    playbacks.Close(handle);
-    const std::size_t count = fed.Frames().size();
-    playbacks.Close(handle);
-    EXPECT_EQ(count, fed.Frames().size());
-}
-
-TEST_F(Recordings, PlaybacksAreClosedThatWereOpenedBeforeAHandle)
-{
-    Record(0, 10);
-    CFedFrames fed;
-    CPlaybacks playbacks(m_index, fed.Feed());
-    const unsigned int gone = playbacks.Open(BASE, 60);
-    const unsigned int next = playbacks.NextHandle();
-    EXPECT_GT(next, gone);
-    const unsigned int playing = playbacks.Open(BASE, 60);
-    EXPECT_GE(playing, next);
-    playbacks.CloseBefore(next);
-    const std::size_t count = fed.CountOf(gone);
-    ASSERT_TRUE(fed.AwaitOf(playing, 4)); // the other one would have fed as many
-    EXPECT_EQ(count, fed.CountOf(gone));
-}
-
-// It is closed on the thread that serves all RTSP clients.
-TEST_F(Recordings, ClosingAPlaybackDoesNotWaitForADiskThatHangs)
-{
-    const RecordSegment segment = Record(0, 4);
-    std::filesystem::remove(segment.path);
-    ASSERT_EQ(0, mkfifo(segment.path.c_str(), 0600)); // opening it waits for a writer
-    CFedFrames fed;
-    CPlaybacks playbacks(m_index, fed.Feed());
-    for (int count = 0; count < 16; ++count)
-    {
-        const unsigned int handle = playbacks.Open(BASE, 60);
-        EXPECT_NE(0U, handle);
-        playbacks.Close(handle);
-    }
-    EXPECT_EQ(0U, playbacks.Open(BASE, 60)); // threads do not pile up
-    const int disk = open(segment.path.c_str(), O_RDWR | O_NONBLOCK);
-    const std::string noise(65536, 'x'); // a buffer full for each thread
-    EXPECT_EQ(static_cast<ssize_t>(noise.size()), write(disk, noise.data(), noise.size()));
-    playbacks.CloseAll();
-    close(disk);
-    EXPECT_TRUE(fed.Frames().empty());
-}
-
-TEST_F(Recordings, SixteenPlayAtOnceAndTheOldestEndsForOneMore)
-{
-    Record(0, 4);
-    CFedFrames fed;
-    CPlaybacks playbacks(m_index, fed.Feed());
-    std::vector<unsigned int> handles;
-    for (int count = 0; count < 17; ++count)
-    {
-        handles.push_back(playbacks.Open(BASE, 60));
-        EXPECT_NE(0U, handles.back());
-    }
-    EXPECT_EQ(17U, std::set<unsigned int>(handles.begin(), handles.end()).size());
-    playbacks.CloseAll();
 }
 
 TEST(RecordTime, LocalTimesComeBack)
