@@ -5,6 +5,7 @@
 // URL only port and path count. Its status line is not looked at: an error page is handed over like a picture.
 #include "HttpClient.h"
 
+#include "Limits.h"
 #include "NetSocket.h"
 #include "OnvifTrace.h"
 #include "PFHelper.h"
@@ -22,7 +23,6 @@ namespace
 constexpr int REQUEST_BYTES = 8192; // with the zero byte
 constexpr int HEAD_BYTES = 8191;
 constexpr unsigned int UNKNOWN_LENGTH = 1048576; // room for a picture whose length the device does not tell
-constexpr unsigned int LARGEST_PICTURE = 64U << 20;
 constexpr unsigned int CONNECT_POLLS = 15;
 constexpr unsigned int CONNECT_POLL_MS = 50;
 constexpr unsigned int RECEIVE_POLL_MS = 250;
@@ -175,7 +175,7 @@ unsigned long long ReadLength(const std::string& head)
 char* AllocatePicture(unsigned long long length)
 {
     char* const data =
-        length <= LARGEST_PICTURE ? new (std::nothrow) char[static_cast<std::size_t>(length)]() : nullptr;
+        length <= LIMIT_SNAPSHOT_BYTES ? new (std::nothrow) char[static_cast<std::size_t>(length)]() : nullptr;
     if (data == nullptr)
     {
         SHARESDK_AbnormalOutput("ASSERT", __FILE__, __LINE__);

@@ -1,6 +1,7 @@
 // The answers of motion detection, relay outputs and digital inputs.
 #include "XmlTransform.h"
 
+#include "Limits.h"
 #include "OnvifHelper.h"
 #include "PFAssert.h"
 #include "TransformAnswer.h"
@@ -12,7 +13,6 @@
 namespace
 {
 
-constexpr int LARGEST_GRID_SIDE = 1024;
 constexpr std::size_t NAME_BYTES = sizeof(ONVIF_PROFILE_TOKEN::motionModuleName);
 constexpr unsigned int NO_DELAY = 4294967295U; // the host's -1
 
@@ -45,7 +45,7 @@ void CopySensitivity(CTransformAnswer& out, unsigned int parameters)
 
 bool IsGridSide(int side)
 {
-    return side >= 1 && side <= LARGEST_GRID_SIDE;
+    return side >= 1 && side <= LIMIT_MOTION_GRID_SIDE;
 }
 
 /// Cell bits from the highest of the first byte on, row behind row without a gap.

@@ -19,7 +19,6 @@ namespace
 {
 
 constexpr unsigned int FLAG_API = 1;
-constexpr std::size_t MAX_COMMAND_WORD = 63;
 constexpr const char* ONVIF_PREFIX = "onvif";
 
 /// A message that holds one of these is the host's.
@@ -217,8 +216,7 @@ int CNetServerDataProc::ServeCommand(const SETTINGS& settings, const std::string
                                      const CHttpProtocolAnalyse& request, CHttpProtocolAnalyse& response)
 {
     const std::string& url = request.GetUrl();
-    const std::string word = url.substr(0, url.find('/'));
-    const auto command = word.size() > MAX_COMMAND_WORD ? settings.commands.end() : settings.commands.find(word);
+    const auto command = settings.commands.find(url.substr(0, url.find('/')));
     if (command != settings.commands.end())
     {
         CQLXApiProc::Instance().ProcCmd(ip, static_cast<QLX_API_CMD>(command->second), request, response);

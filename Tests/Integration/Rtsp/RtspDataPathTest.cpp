@@ -2,7 +2,6 @@
 
 #include "Base64Coder.h"
 #include "ByteOrder.h"
-#include "Limits.h"
 #include "RTSP_ClientSession.h"
 #include "RtspWorld.h"
 
@@ -442,7 +441,7 @@ TEST_F(RtspSlowReader, IsEndedWhenAMebibyteOfAnswersWaits)
 {
     peer.Send(Options(1));
     const std::size_t answerBytes = peer.ReadAnswer().size();
-    const std::size_t most = LIMIT_RTSP_QUEUED_ANSWER_BYTES / answerBytes;
+    const std::size_t most = 1048576 / answerBytes;
     std::size_t asked = 0;
     while (asked < 2 * most && Ask(1))
     {

@@ -77,7 +77,7 @@ TEST_F(AbandonedConnections, EndWhenThePeerCloses)
 TEST_F(AbandonedConnections, OldestIsPushedOutByTheThirtyThird)
 {
     std::vector<std::unique_ptr<Peer>> peers;
-    for (std::size_t i = 0; i < CAbandonedConnections::CONNECTIONS_MAX; ++i)
+    for (std::size_t i = 0; i < 32; ++i)
     {
         peers.push_back(Connect());
     }
@@ -91,7 +91,7 @@ TEST_F(AbandonedConnections, NewOneEndsThoseOfFiveMinutesAgo)
 {
     FakeClock clock;
     const auto old = Connect();
-    clock.Advance(CAbandonedConnections::LIFETIME_MS);
+    clock.Advance(5 * 60 * 1000);
     const auto younger = Connect();
     EXPECT_FALSE(old->IsClosedNow());
     clock.Advance(1);

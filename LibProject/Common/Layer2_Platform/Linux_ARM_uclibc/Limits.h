@@ -13,9 +13,8 @@ constexpr std::size_t LIMIT_SNAPSHOT_BYTES = std::size_t{64} * 1024 * 1024;
 constexpr int LIMIT_CHANNEL_STREAMS = 64;
 /// Privacy masks in one request.
 constexpr std::size_t LIMIT_PRIVACY_MASKS = 256;
-/// Cells of a motion grid in each direction.
-constexpr std::size_t LIMIT_MOTION_GRID_COLUMNS = 1024;
-constexpr std::size_t LIMIT_MOTION_GRID_ROWS = 1024;
+/// Cells of a camera's motion grid in each direction.
+constexpr int LIMIT_MOTION_GRID_SIDE = 1024;
 /// Connections whose peers are gone and that still wait to be collected.
 constexpr std::size_t LIMIT_ABANDONED_CONNECTIONS = 32;
 /// Elements within elements in an XML document.

@@ -3,7 +3,6 @@
 #include "FakeDevice.h"
 #include "FakeStreamCtrl.h"
 #include "FrameMaker.h"
-#include "Limits.h"
 #include "NetServerSDK.h"
 
 #include <gtest/gtest.h>
@@ -473,7 +472,7 @@ TEST_F(SnapShot, EmptyAndHugePicturesDoNotCount)
                       [this]
                       {
                           Feed(m_manager, 3, JPEG, "");
-                          m_manager.AddData(3, 0, FrameInfo(JPEG, KEY, 0, LIMIT_SNAPSHOT_BYTES + 1), "x");
+                          m_manager.AddData(3, 0, FrameInfo(JPEG, KEY, 0, 67108865), "x");
                       }));
 }
 
