@@ -125,6 +125,7 @@ TEST_F(NetServerSDK, QuitLetsRequestsThatAreInsideTheDeviceComeOut)
         m_sockets.Connect({{0, "GET /GetDeviceInfo HTTP/1.1\r\nAuthorization: Basic YWRtaW46YWRtaW4=\r\n\r\n"}});
     CNetServer::Instance().OnAcceptCreateSocket(handle, 80, 0);
     device.isInside.WaitEvent(CMyEvent::WITHOUT_LIMIT);
+    EXPECT_FALSE(CNetServer::AwaitRequests(1)); // not for ever
     device.mayEnd.SetEvent();
     EXPECT_EQ(1, NET_SERVER_Quit());
     EXPECT_TRUE(device.hasEnded);
