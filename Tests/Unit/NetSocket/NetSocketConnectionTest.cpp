@@ -1,10 +1,15 @@
 // NetSocketConnectionTest.cpp: reading, sending and ending of accepted connections.
+#include "Connection.h"
 #include "NetSocketFixture.h"
+#include "SocketWait.h"
 
 #include <atomic>
 #include <dirent.h>
+#include <memory>
 #include <thread>
 #include <vector>
+
+#include <sys/socket.h>
 
 namespace
 {
@@ -240,23 +245,56 @@ TEST_F(NetSocketConnection, PeerThatKeepsAClosedConnectionOpenHasASecond)
     EXPECT_LT(watch.ElapsedMs(), 5000);
 }
 
-TEST_F(NetSocketConnection, PeerThatKeepsSendingIsCutAfter64KiB)
+TEST_F(NetSocketConnection, PeerThatKeepsSendingIsCut)
 {
     NET_SOCKET_DestroyHNetCommunication(m_handle);
     const std::string block(64 * 1024, 'x');
     EXPECT_TRUE(Eventually([&] { return !m_peer.Send(block); }));
 }
 
-TEST_F(NetSocketConnection, ManyClosedConnectionsWithoutTheirPeersEndDoNotPileUp)
+TEST_F(NetSocketConnection, ClosedOneDropsWhatItsPeerSendsUpTo64KiB)
 {
-    const int before = CountOpenDescriptors();
+    int pair[2];
+    ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, pair));
+    CConnection connection(CFileDescriptor(pair[0]), sockaddr_in{}, std::make_shared<CQuitSignal>(), nullptr);
+    const CFileDescriptor peer(pair[1]);
+    ASSERT_TRUE(connection.Retire());
+    const auto dropsAll = [&](std::size_t bytes)
+    {
+        const std::string data(bytes, 'x');
+        EXPECT_EQ(static_cast<ssize_t>(bytes), send(peer.Get(), data.data(), bytes, MSG_NOSIGNAL));
+        return !connection.Drain();
+    };
+    for (int kib = 0; kib < 63; ++kib)
+    {
+        ASSERT_TRUE(dropsAll(1024)) << kib;
+    }
+    EXPECT_TRUE(dropsAll(1023));
+    EXPECT_FALSE(dropsAll(1));
+}
+
+TEST_F(NetSocketConnection, ClosedOnesWithoutTheirPeersEndAre256AtMost)
+{
+    AcceptQueue otherQueue; // a listener hands out 256
+    const QuitAtEnd quit;
+    const unsigned short otherPort = Listen(otherQueue);
     std::vector<TcpPeer> peers;
-    for (int i = 0; i < 400; ++i)
+    std::vector<int> handles;
+    for (int i = 0; i < 150; ++i)
     {
         peers.push_back(TcpPeer::Connect(m_port));
-        NET_SOCKET_DestroyHNetCommunication(m_queue.Take().handle);
+        handles.push_back(m_queue.Take().handle);
+        peers.push_back(TcpPeer::Connect(otherPort));
+        handles.push_back(otherQueue.Take().handle);
     }
-    EXPECT_TRUE(Eventually([&] { return CountOpenDescriptors() <= before + 400 + 256; }));
+    const int before = CountOpenDescriptors();
+    const Stopwatch watch;
+    for (const int handle : handles)
+    {
+        NET_SOCKET_DestroyHNetCommunication(handle);
+    }
+    EXPECT_TRUE(Eventually([&] { return CountOpenDescriptors() <= before - (300 - 256); }));
+    EXPECT_LT(watch.ElapsedMs(), 1000); // then the time of all of them is over
 }
 
 TEST_F(NetSocketConnection, OperationsOnOtherThreadsSurviveDestroy)
