@@ -171,8 +171,25 @@ class Page(unittest.TestCase):
         self.assertIn("<![CDATA[Gate & <yard>]]>", self.answer("GetImageOsdConfig"))
         self.assertIn(">33<", self.answer("GetImageOsdConfig"))
 
+    # Else what stands below it moves away from under a finger.
+    def test_a_picture_has_its_place_before_it_comes(self):
+        self.browser.view("ptz")
+        self.browser.wait("document.getElementById('ptz-picture').naturalWidth > 0")
+        empty, shown = self.browser.run("""(() => {
+            const picture = document.getElementById('ptz-picture');
+            const empty = picture.cloneNode();
+            empty.removeAttribute('src');
+            picture.before(empty);
+            const heights = [empty, picture].map(one => one.getBoundingClientRect().height);
+            empty.remove();
+            return heights;
+        })()""")
+        self.assertGreater(shown, 100)
+        self.assertAlmostEqual(shown, empty, delta=1)
+
     def test_the_pad_moves_the_head_while_a_button_is_held(self):
         self.browser.view("ptz")
+        self.browser.wait("document.getElementById('ptz-picture').naturalWidth > 0")
         x, y = self.browser.place_of("[data-action='zoomin']")
         self.browser.mouse("mousePressed", x, y)
         self.wait_for(lambda: self.zoom() > 1.2)
